@@ -1,0 +1,117 @@
+#include "bounds/intersec.h"
+
+#include "bounds/packed.h"
+#include "bounds/walk.h"
+
+#include <cmath>
+#include <cstdlib>
+
+bool passesSlabs(const Object* node, double limit, const double origin[3], const double direction[3],
+                 double* key)
+{
+    double near = -NO_LIMIT, far = limit;
+    for (int i = 0; i < 3; ++i) {
+        // Along this axis the ray stays where it is; the object's own test decides.
+        if (direction[i] == 0.0)
+            continue;
+        const double a = (node->boundsMin[i] - origin[i]) / direction[i];
+        const double b = (node->boundsMax[i] - origin[i]) / direction[i];
+        const double lesser = a > b ? b : a, greater = a > b ? a : b;
+        if (greater < far)
+            far = greater;
+        if (lesser > near)
+            near = lesser;
+        if (near > far || EPSILON > far)
+            return false;
+    }
+    *key = near;
+    return true;
+}
+
+void checkAndEnqueue(const Object* node, double limit, const double origin[3], const double direction[3],
+                     PQEntry* queue, int* count)
+{
+    // From inside the bounds the key is negative: that is right and comes out of the heap first.
+    if (double key; passesSlabs(node, limit, origin, direction, &key))
+        priorityQueueInsert(key, node, queue, count);
+}
+
+int intersectByHeap(const Ray* ray, double limit, Hit* hit, const Object* exclude)
+{
+    const double origin[3] = {ray->origin.x, ray->origin.y, ray->origin.z};
+    const double direction[3] = {ray->direction.x, ray->direction.y, ray->direction.z};
+    constexpr int SMALL = 1024; // the usual queue needs no allocation
+    PQEntry small[SMALL];
+    PQEntry* queue = small;
+    if (iPQSize > SMALL) {
+        queue = static_cast<PQEntry*>(malloc(static_cast<size_t>(iPQSize) * sizeof(PQEntry)));
+        if (queue == nullptr)
+            fatal("\n\n VARLO is out of memory...\n");
+    }
+    int count = 0;
+    double best = limit;
+    const Object* closest = nullptr;
+
+    checkAndEnqueue(myObjectList, limit, origin, direction, queue, &count);
+    while (count > 0) {
+        double key;
+        const Object* node;
+        priorityQueueDelete(&key, &node, queue, &count);
+        if (key > best)
+            break; // all that is left begins behind the best hit
+        if (node->type == BOUNDING_NODE) {
+            for (const Object* member = node->children->first; member != nullptr; member = member->next)
+                if (member != exclude)
+                    checkAndEnqueue(member, limit, origin, direction, queue, &count);
+            continue;
+        }
+        Hit scratch;
+        if (node->ObjectIntersect(node, ray, &scratch) && scratch.distance < best) {
+            *hit = scratch;
+            closest = node;
+            best = scratch.distance;
+        }
+    }
+    if (queue != small)
+        free(queue);
+    return closest != nullptr;
+}
+
+/// Whether a component of the ray is not a number; it then meets nothing.
+static bool isNoRay(const Ray* ray)
+{
+    const Vec sum = ray->origin + ray->direction;
+    return std::isnan(sum.x + sum.y + sum.z);
+}
+
+int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
+{
+    if (myObjectList == nullptr)
+        return 0;
+    if (myObjectList->type != BOUNDING_NODE)
+        return myObjectList->ObjectIntersect(myObjectList, ray, hit);
+    if (packedRoot != nullptr) {
+        const Object* found;
+        switch (walkToNearest(*ray, limit, exclude, &found)) {
+        case Answer::NOTHING:
+            return 0;
+        case Answer::FOUND:
+            return found->ObjectIntersect(found, ray, hit); // the walk has only kept the distance
+        case Answer::UNSURE:
+            break;
+        }
+    }
+    return isNoRay(ray) ? 0 : intersectByHeap(ray, limit, hit, exclude);
+}
+
+bool isBlocked(const Ray* ray, double limit, const Object* exclude)
+{
+    if (packedRoot != nullptr) {
+        const Object* found;
+        const Answer answer = walkToAny(*ray, limit, exclude, &found);
+        if (answer != Answer::UNSURE)
+            return answer == Answer::FOUND;
+    }
+    Hit scratch;
+    return intersect(ray, limit, &scratch, exclude) != 0;
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "core/data.h"
+
+/// One entry of a traversal queue: `key` is where the ray enters the bounds of `node`.
+struct PQEntry {
+    double key;
+    const Object* node;
+};
+
+/// Adds an entry to a heap of iPQSize entries, of which index 0 is never used and the least key stands at 1.
+/// An older entry stays ahead of a newer one of the same key. Ends the process with status 1 when `count`
+/// reaches iPQSize.
+void priorityQueueInsert(double key, const Object* node, PQEntry* queue, int* count);
+
+/// Takes the entry of the least key out. Of two children of the same key the right one rises. Ends the
+/// process with status 1 if there is none.
+void priorityQueueDelete(double* key, const Object** node, PQEntry* queue, int* count);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "core/data.h"
+
+/// What the walk can say of a ray. UNSURE means that the heap has to be asked.
+enum class Answer { NOTHING, FOUND, UNSURE };
+
+/// Looks in the packed tree, which must exist, for the object that `ray` meets first before `limit`, without
+/// `exclude`. On FOUND, `*found` is set.
+Answer walkToNearest(const Ray& ray, double limit, const Object* exclude, const Object** found);
+
+/// Looks for any object that stands on `ray` before `limit`, likewise.
+Answer walkToAny(const Ray& ray, double limit, const Object* exclude, const Object** found);

@@ -1,0 +1,41 @@
+#include "bounds/bound.h"
+#include "bounds/packed.h"
+#include "core/args.h"
+#include "core/data.h"
+#include "core/trace.h"
+#include "import3ds/scene3ds.h"
+#include "scene/parser.h"
+
+#include <cstdio>
+
+int main(int argc, char* argv[])
+{
+    Slab[0] = {1.0, 0.0, 0.0};
+    Slab[1] = {0.0, 1.0, 0.0};
+    Slab[2] = {0.0, 0.0, 1.0};
+    iAntialias = AA_NONE;
+    adapt_dist = 20;
+    iImageType = BMP;
+    bunching = 4;
+    use3ds = 0;
+
+    showCredits();
+    if (argc < 2) {
+        showUsage();
+        return -1;
+    }
+    parseArgs(argc, argv);
+    if ((use3ds ? parse3ds(inputFileName) : parseFile(inputFileName)) != 0)
+        return -1;
+    parseArgs(argc, argv); // again: the command line beats the scene
+    if (myDisplay.width <= 0 || myDisplay.height <= 0) {
+        fprintf(stderr, " A picture of %d x %d pixels cannot be rendered\n", myDisplay.width,
+                myDisplay.height);
+        return -1;
+    }
+    printf("\n Number of primitives:\t\t%ld\n\n", static_cast<long>(nPrims));
+    buildBoundingSlabs();
+    packTree();
+    doTrace();
+    return 0;
+}

@@ -1,0 +1,69 @@
+#include "engine/light.h"
+
+#include "bounds/intersec.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+void makeLight(Vec position, Color color, int lightType, int attenuation, int shadowType, double radius,
+               int samples, double cosMinAngle, double cosMaxAngle, Vec direction)
+{
+    auto* self = static_cast<Object*>(calloc(1, sizeof(Object)));
+    if (self == nullptr) {
+        printf(" Memory allocation for light failed. Light not added to scene.");
+        return;
+    }
+    self->type = LIGHT;
+    self->surface.color = color;
+    self->light = {
+        .position = position,
+        .direction = unit(direction),
+        .lightType = lightType,
+        .shadowType = shadowType,
+        .attenuation = attenuation,
+        .samples = samples,
+        .radius = radius,
+        .cosMinAngle = cosMinAngle,
+        .cosMaxAngle = cosMaxAngle,
+    };
+    addToList(&myLightList, self);
+}
+
+double randomNumber()
+{
+    return rand() / 2147483647.0;
+}
+
+Vec jitterVector()
+{
+    Vec jitterVec;
+    jitterVec.x = 0.5 - randomNumber();
+    jitterVec.y = 0.5 - randomNumber();
+    jitterVec.z = 0.5 - randomNumber();
+    return unit(jitterVec);
+}
+
+double makeLightRay(const Object* light, Vec point, Ray* ray)
+{
+    const Vec toLight = light->light.position - point;
+    *ray = {.origin = point, .direction = unit(toLight)};
+    return lengthOf(toLight);
+}
+
+Color getLightColor(const Object* light, const Object* object, const Ray* ray, double distance)
+{
+    return isBlocked(ray, distance, object) ? Color{} : light->surface.color;
+}
+
+Color smoothShadow(const Object* light, const Object* object, const Ray* ray, double distance)
+{
+    const double spread = light->light.radius / distance;
+    Color sum{};
+    for (int i = 0; i < light->light.samples; ++i) {
+        const Ray sample = {.origin = ray->origin,
+                            .direction = unit(ray->direction + spread * jitterVector())};
+        if (!isBlocked(&sample, distance, object))
+            sum = sum + light->surface.color;
+    }
+    return sum / light->light.samples;
+}

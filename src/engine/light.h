@@ -1,0 +1,27 @@
+#pragma once
+
+#include "core/data.h"
+
+// Lights, and what of a light reaches a point. A ray to a light either gets through or it does not: a
+// transparent object casts the same full shadow as an opaque one.
+
+/// Makes a light and puts it onto myLightList; mind that the attenuation comes ahead of the shadow type.
+/// `direction` need not be unit. Without memory it says so on standard output and adds nothing.
+void makeLight(Vec position, Color color, int lightType, int attenuation, int shadowType, double radius,
+               int samples, double cosMinAngle, double cosMaxAngle, Vec direction);
+
+/// Fills `ray` from `point` to the light and returns the distance between them.
+double makeLightRay(const Object* light, Vec point, Ray* ray);
+
+/// The light's colour if nothing but `object` stands nearer along `ray` than `distance`, else black.
+Color getLightColor(const Object* light, const Object* object, const Ray* ray, double distance);
+
+/// The mean of `samples` such answers along rays to a sphere around the light. Draws three random numbers for
+/// each.
+Color smoothShadow(const Object* light, const Object* object, const Ray* ray, double distance);
+
+/// A unit vector from three random numbers, drawn for x, y and z in this order, in a cube around 0.
+Vec jitterVector();
+
+/// A random number from 0 to 1.
+double randomNumber();

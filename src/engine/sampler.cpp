@@ -1,0 +1,229 @@
+#include "engine/sampler.h"
+
+#include "core/trace.h"
+#include "engine/light.h"
+#include "engine/ray.h"
+#include "picture/image.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+unsigned char toByte(double component)
+{
+    if (std::isnan(component))
+        return 0;
+    const double whole = std::clamp(component, static_cast<double>(INT_MIN), static_cast<double>(INT_MAX));
+    return static_cast<unsigned char>(static_cast<int>(whole));
+}
+
+void toBytes(const Color& color, unsigned char bytes[3])
+{
+    bytes[0] = toByte(color.red * 255.0);
+    bytes[1] = toByte(color.green * 255.0);
+    bytes[2] = toByte(color.blue * 255.0);
+}
+
+/// What a sampler owns for the length of its band.
+struct Sampler {
+    Band band;
+    size_t width; // of the picture, in pixels
+    Ray ray;
+    int level = 0;
+};
+
+static Sampler startSampler(void* band)
+{
+    Sampler sampler{.band = iBounds[reinterpret_cast<intptr_t>(band)],
+                    .width = static_cast<size_t>(myDisplay.width),
+                    .ray = {}};
+    startRay(&sampler.ray);
+    return sampler;
+}
+
+/// A zeroed line of bytes, or null with the message.
+static unsigned char* newLine(size_t size, const char* message)
+{
+    auto* line = static_cast<unsigned char*>(calloc(size, 1));
+    if (line == nullptr)
+        printf("%s\n", message);
+    return line;
+}
+
+/// The bytes of the sample at a picture position.
+static void sampleAt(double x, double y, Ray* ray, int* level, unsigned char bytes[3])
+{
+    Color color;
+    initRay(x, y, ray);
+    shoot(ray, &color, level);
+    toBytes(color, bytes);
+}
+
+/// The sample of a pixel in the plain and the corner sampler: its middle, or anywhere in it.
+static void samplePixel(Sampler& s, size_t column, int row, unsigned char bytes[3])
+{
+    double dx = 0.5, dy = 0.5;
+    if (jitter != 0) {
+        dy = randomNumber();
+        dx = randomNumber();
+    }
+    sampleAt(static_cast<double>(column) + dx, row + dy, &s.ray, &s.level, bytes);
+}
+
+static void deliver(unsigned char* line, int row)
+{
+    writeImageLine(line, row);
+    showProgress(row);
+}
+
+void* scanNone(void* band)
+{
+    Sampler s = startSampler(band);
+    unsigned char* line = newLine(3 * s.width, "Memory alloction failed.");
+    if (line == nullptr)
+        return nullptr;
+    for (int row = s.band.first; row < s.band.end; ++row) {
+        for (size_t column = 0; column < s.width; ++column)
+            samplePixel(s, column, row, line + 3 * column);
+        deliver(line, row);
+    }
+    free(line);
+    return nullptr;
+}
+
+static void sampleLine(Sampler& s, int row, unsigned char* line)
+{
+    for (size_t column = 0; column <= s.width; ++column)
+        samplePixel(s, column, row, line + 3 * column);
+}
+
+void* scanCorners(void* band)
+{
+    Sampler s = startSampler(band);
+    if (s.band.first >= s.band.end)
+        return nullptr;
+    const size_t size = 3 * (s.width + 1);
+    unsigned char* lines = newLine(3 * size, " Memory alloction failed.");
+    if (lines == nullptr)
+        return nullptr;
+    unsigned char* previous = lines;
+    unsigned char* current = lines + size;
+    unsigned char* output = lines + 2 * size; // the sink may change what it gets: never a sample line
+
+    // The row above the band, so that its first row has both lines whatever the number of threads is.
+    sampleLine(s, s.band.first - 1, previous);
+    for (int row = s.band.first; row < s.band.end; ++row) {
+        sampleLine(s, row, current);
+        for (size_t i = 0; i < 3 * s.width; ++i)
+            output[i] = static_cast<unsigned char>(
+                (current[i] + current[i + 3] + previous[i] + previous[i + 3]) >> 2);
+        deliver(output, row);
+        std::swap(previous, current);
+    }
+    free(lines);
+    return nullptr;
+}
+
+/// The cell at (p, q) of a block, traced if no neighbour has handed it on.
+static const SampleCell& cellAt(int p, int q, double x, double y, Ray* ray, int* level,
+                                SampleCell block[5][5])
+{
+    SampleCell& cell = block[q][p];
+    if (cell.done)
+        return cell;
+    double px = x + 0.25 * p, py = y + 0.25 * q;
+    if (jitter != 0) {
+        py += randomNumber() * 0.25 - 0.125;
+        px += randomNumber() * 0.25 - 0.125;
+    }
+    unsigned char bytes[3];
+    sampleAt(px, py, ray, level, bytes);
+    cell = {.red = bytes[0], .green = bytes[1], .blue = bytes[2], .done = 1};
+    return cell;
+}
+
+void adapt(int a, int b, double x, double y, Color* color, int size, Ray* ray, int* level,
+           SampleCell block[5][5])
+{
+    const SampleCell corners[4] = {
+        cellAt(a, b, x, y, ray, level, block),
+        cellAt(a + size, b, x, y, ray, level, block),
+        cellAt(a, b + size, x, y, ray, level, block),
+        cellAt(a + size, b + size, x, y, ray, level, block),
+    };
+    int red = 0, green = 0, blue = 0;
+    for (const SampleCell& corner : corners) {
+        red += corner.red;
+        green += corner.green;
+        blue += corner.blue;
+    }
+    red >>= 2;
+    green >>= 2;
+    blue >>= 2;
+
+    const bool differs = std::any_of(corners, corners + 4, [=](const SampleCell& corner) {
+        return std::abs(red - corner.red) >= adapt_dist || std::abs(green - corner.green) >= adapt_dist ||
+               std::abs(blue - corner.blue) >= adapt_dist;
+    });
+    if (size > 1 && differs) {
+        red = green = blue = 0;
+        const int half = size / 2;
+        for (const int quarter : {0, 1, 2, 3}) {
+            adapt(a + (quarter & 1) * half, b + (quarter >> 1) * half, x, y, color, half, ray, level, block);
+            red += toByte(color->red);
+            green += toByte(color->green);
+            blue += toByte(color->blue);
+        }
+        red >>= 2;
+        green >>= 2;
+        blue >>= 2;
+    }
+    *color = {static_cast<double>(red), static_cast<double>(green), static_cast<double>(blue)};
+}
+
+void* scanAdaptive(void* band)
+{
+    Sampler s = startSampler(band);
+    // The carry line holds the bottom edges of the pixels in the row above: place a of column c at 4 * c + a,
+    // so that neighbours share their corner.
+    const size_t carrySize = (4 * s.width + 1) * sizeof(SampleCell);
+    unsigned char* output = newLine(3 * s.width, " Memory alloction failed.");
+    auto* carry = output == nullptr
+                      ? nullptr
+                      : reinterpret_cast<SampleCell*>(newLine(carrySize, " Memory alloction failed."));
+    if (carry == nullptr) {
+        free(output);
+        return nullptr;
+    }
+    SampleCell block[5][5] = {}; // by row, then column
+
+    for (int row = s.band.first; row < s.band.end; ++row) {
+        for (auto& line : block)
+            line[0].done = 0;
+        for (size_t column = 0; column < s.width; ++column) {
+            SampleCell* edge = carry + 4 * column;
+            memcpy(&block[0][1], edge + 1, 4 * sizeof(SampleCell)); // (0, 0) came from the pixel to the left
+            for (int b = 1; b <= 4; ++b)
+                for (int a = 1; a <= 4; ++a)
+                    block[b][a].done = 0;
+
+            Color color;
+            adapt(0, 0, static_cast<double>(column), row, &color, 4, &s.ray, &s.level, block);
+            output[3 * column] = toByte(color.red);
+            output[3 * column + 1] = toByte(color.green);
+            output[3 * column + 2] = toByte(color.blue);
+
+            memcpy(edge, block[4], sizeof block[4]);
+            for (auto& line : block)
+                line[0] = line[4];
+        }
+        deliver(output, row);
+    }
+    free(output);
+    free(carry);
+    return nullptr;
+}

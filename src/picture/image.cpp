@@ -1,0 +1,54 @@
+#include "picture/image.h"
+
+#include "picture/bmp.h"
+#include "picture/jpg.h"
+#include "picture/png.h"
+#include "picture/ppm.h"
+#include "picture/tga.h"
+#include "picture/tiff.h"
+#include "picture/writer.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+
+// indexed by iImageType
+static constexpr Writer writers[] = {
+    {".tga", openTGA, writeTGALine, closeTGA}, {".bmp", openBMP, writeBMPLine, closeBMP},
+    {".ppm", openPPM, writePPMLine, closePPM}, {".png", openPNG, writePNGLine, closePNG},
+    {".jpg", openJPG, writeJPGLine, closeJPG}, {".tif", openTIFF, writeTIFFLine, closeTIFF},
+};
+static_assert(std::size(writers) == NUM_IMAGE_TYPES);
+
+int openImage(const char* name, int width, int height)
+{
+    const Writer& writer = writers[iImageType];
+    char fileName[FILE_NAME_SIZE];
+    snprintf(fileName, sizeof fileName, "%s%s", name, writer.extension);
+
+    errno = 0;
+    const int opened = writer.open(fileName, width, height);
+    // libpng leaves no reason when it refuses a size
+    const int reason = errno != 0 ? errno : EINVAL;
+    printf(" Rendering to: %s\n", fileName);
+    printf(" Resolution:   %d x %d\n", width, height);
+    if (opened != 0) {
+        fflush(stdout); // so that a terminal shows the reason below the name
+        errno = reason;
+        perror(fileName);
+        exit(EXIT_FAILURE);
+    }
+    return 0;
+}
+
+int writeImageLine(unsigned char* line, int y)
+{
+    writers[iImageType].row(line, y);
+    return 0;
+}
+
+void closeImage()
+{
+    writers[iImageType].close();
+}

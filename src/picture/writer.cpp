@@ -1,0 +1,65 @@
+#include "picture/writer.h"
+
+#include "core/data.h"
+#include "picture/image.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+static constinit char fileName[FILE_NAME_SIZE] = ""; // of the latest created file, for a failed write
+
+unsigned char* newPicture(int width, int height)
+{
+    return static_cast<unsigned char*>(calloc(static_cast<std::size_t>(height), rowSize(width)));
+}
+
+unsigned char* pictureRow(unsigned char* image, int y)
+{
+    return image + static_cast<std::size_t>(y) * rowSize(myDisplay.width);
+}
+
+void copyRow(unsigned char* image, const unsigned char* line, int y)
+{
+    memcpy(pictureRow(image, y), line, rowSize(myDisplay.width));
+}
+
+void swapRedBlue(unsigned char* line)
+{
+    for (const unsigned char* end = line + rowSize(myDisplay.width); line != end; line += 3)
+        std::swap(line[0], line[2]);
+}
+
+FILE* createFile(const char* name)
+{
+    snprintf(fileName, sizeof fileName, "%s", name);
+    return fopen(name, "wb");
+}
+
+[[noreturn]] static void endWithReason()
+{
+    perror(fileName);
+    exit(EXIT_FAILURE);
+}
+
+void writeBytes(FILE* fp, const void* bytes, std::size_t count)
+{
+    if (fwrite(bytes, 1, count, fp) != count)
+        endWithReason();
+}
+
+void writeFields(FILE* fp, std::span<const Field> fields)
+{
+    for (const Field& field : fields) {
+        for (int i = 0; i < field.size; ++i) {
+            const unsigned char byte = (field.value >> 8 * i) & 0xff;
+            writeBytes(fp, &byte, 1);
+        }
+    }
+}
+
+void closeFile(FILE* fp)
+{
+    if (fclose(fp) != 0)
+        endWithReason();
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <span>
+
+/// The operations of a picture format, in the order of their calls; one picture at a time. The whole picture
+/// stands in memory, so that a row is a copy from any thread, and only `close` writes pixels to the file.
+struct Writer {
+    const char* extension;
+    /// Creates the file `name` and a black picture. Returns 0, or -1 with the reason in `errno`.
+    int (*open)(const char* name, int width, int height);
+    /// Takes row `y`, 0 at the top, of 3 * myDisplay.width bytes: red, green, blue. Runs in many threads at
+    /// once, each with rows of its own. It may change the bytes of `line`. Returns 0 unless told otherwise.
+    int (*row)(unsigned char* line, int y);
+    /// Writes the picture of the size in myDisplay, and gives back file and memory. A failed write ends the
+    /// run with status 1 and the words of the system or the library on standard error.
+    void (*close)();
+};
+
+// What the writers share. The picture in memory is rows without gaps, row 0 first.
+
+/// A number of `size` bytes, low byte first; bits beyond its size are dropped.
+struct Field {
+    std::uint64_t value;
+    int size;
+};
+
+/// Bytes of a picture row: three for each pixel.
+constexpr std::size_t rowSize(int width)
+{
+    return 3 * static_cast<std::size_t>(width);
+}
+
+/// A black picture. Null without memory, and then `errno` tells so. The caller frees it.
+unsigned char* newPicture(int width, int height);
+
+/// Row `y` of a picture that is `myDisplay.width` pixels wide.
+unsigned char* pictureRow(unsigned char* image, int y);
+
+/// Copies a row of `myDisplay.width` pixels to its place. Safe from many threads at once, as long as each
+/// has rows of its own.
+void copyRow(unsigned char* image, const unsigned char* line, int y);
+
+/// Turns the red, green, blue of a row of `myDisplay.width` pixels into blue, green, red, or back.
+void swapRedBlue(unsigned char* line);
+
+/// Creates a file, or empties it. Null if that fails, with the reason in `errno`.
+FILE* createFile(const char* name);
+
+// These three end the run with status 1 if a write fails, and print the name of the latest created file
+// with the words of the system on standard error: a short file shall not look like a success.
+
+void writeBytes(FILE* fp, const void* bytes, std::size_t count);
+void writeFields(FILE* fp, std::span<const Field> fields);
+void closeFile(FILE* fp);

@@ -1,0 +1,84 @@
+#include "primitives/cone.h"
+
+#include "primitives/primitive.h"
+
+#include <algorithm>
+#include <cstdio>
+
+static int coneIntersect(const Object* self, const Ray* ray, Hit* hit)
+{
+    double t;
+    if (!coneReach(self->cone, *ray, &t))
+        return 0;
+    *hit = {.distance = t, .entering = 0, .object = self, .hitNormal = {}}; // 0 from either side
+    return 1;
+}
+
+/// Points away from the axis; on a cone it is tilted, to stand square on the wall.
+static Vec coneNormal(const Object* self, Vec point, const Hit*)
+{
+    const Cone& cone = self->cone;
+    const double d = -(dot(cone.axis, point) + cone.axisOffset);
+    const Vec inBasePlane = point + d * cone.axis;
+    const Vec radial = unit(inBasePlane - cone.base);
+    return unit(radial - cone.slope * cone.axis);
+}
+
+static void conePrint(const Object* self)
+{
+    const Cone& c = self->cone;
+    printf("Cone: %g %g %g %g %g %g %g %g\n", c.base.x, c.base.y, c.base.z, c.baseRadius, c.cap.x, c.cap.y,
+           c.cap.z, c.capRadius);
+}
+
+/// Fills the right-angled frame around the axis.
+static void makeFrame(Cone* cone)
+{
+    constexpr Vec Z = {0.0, 0.0, 1.0};
+    constexpr Vec Y = {0.0, 1.0, 0.0};
+    const bool alongZ = 1.0 - std::abs(dot(cone->axis, Z)) < EPSILON; // too near for a cross product with z
+    cone->frameU = unit(cross(cone->axis, alongZ ? Y : Z));
+    cone->frameV = cross(cone->frameU, cone->axis);
+}
+
+/// The extent of the two end circles: straight flanks lie within it.
+static void boundCone(Object* self)
+{
+    const Cone& cone = self->cone;
+    for (int i = 0; i < 3; ++i) {
+        const double f = circleExtent(cone.axis, Slab[i]);
+        self->boundsMin[i] = coordinate(cone.base, i) - f * cone.baseRadius;
+        self->boundsMax[i] = coordinate(cone.base, i) + f * cone.baseRadius;
+        const double lo = coordinate(cone.cap, i) - f * cone.capRadius;
+        const double hi = coordinate(cone.cap, i) + f * cone.capRadius;
+        if (self->boundsMin[i] > lo)
+            self->boundsMin[i] = lo;
+        if (hi > self->boundsMax[i])
+            self->boundsMax[i] = hi;
+    }
+}
+
+Object* makeCone(Vec base, double baseRadius, Vec cap, double capRadius)
+{
+    Object* self = newPrimitive(CONE, coneIntersect, coneNormal, conePrint);
+    if (self == nullptr)
+        return nullptr;
+    Cone* cone = &self->cone;
+    *cone = {};
+    cone->base = base;
+    cone->baseRadius = baseRadius;
+    cone->cap = cap;
+    cone->capRadius = capRadius;
+    cone->axis = cap - base;
+    cone->length = lengthOf(cone->axis);
+    VecNorm(&cone->axis);
+    cone->slope = (capRadius - baseRadius) / cone->length;
+    cone->axisOffset = -dot(cone->axis, base);
+    makeFrame(cone);
+    const double atBase = dot(cone->axis, base);
+    const double atCap = dot(cone->axis, cap);
+    cone->axisMin = std::min(atBase, atCap);
+    cone->axisMax = std::max(atBase, atCap);
+    boundCone(self);
+    return listPrimitive(self);
+}

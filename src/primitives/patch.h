@@ -1,0 +1,39 @@
+#pragma once
+
+#include "core/data.h"
+
+/// Turns the three normals of `array`, in the order P0, N0, P1, N1, P2, N2, in place to the side of the face
+/// to which (P1 - P0) x (P2 - P0) points. A normal square to the face is negated too.
+void checkPatch(Vec* array);
+
+/// Divides the cofactor of each entry of the 3 by 3 matrix `m` by the determinant. Both arrays hold rows and
+/// must not overlap. The result is the transpose of the inverse; a singular matrix gives non-numbers or
+/// infinities.
+void invertMatrix(const Vec* m, Vec* out);
+
+/// Makes a smooth-shaded triangle, seen from both sides, with a normal for each corner. `array` is as for
+/// checkPatch, which turns its normals; it stays with the caller, and the normals need not be unit. A normal
+/// of length 0 is replaced by that of the face. A patch of no area is allowed and never hit. Returns the
+/// record, which myObjectList owns, or null without memory.
+Object* makePatch(Vec* array);
+
+/// The distance at which `ray` meets the patch, in `*t`, and there the weights of corners 1 and 2, in `*u`
+/// and
+/// `*v`. EPSILON itself is steep enough, and far enough; edges and corners belong to the patch. False on a
+/// miss, and for non-numbers.
+static inline bool patchReach(const Patch& patch, const Ray& ray, double* t, double* u, double* v)
+{
+    const Vec& normal = patch.inverse[2];
+    const double den = dot(normal, ray.direction);
+    if (!(den <= -EPSILON || den >= EPSILON))
+        return false;
+    *t = dot(patch.vertices[0] - ray.origin, normal) / den;
+    if (!(*t >= EPSILON))
+        return false;
+    const Vec q = ray.origin + *t * ray.direction - patch.vertices[0];
+    *u = dot(patch.inverse[0], q);
+    if (!(*u >= 0.0))
+        return false;
+    *v = dot(patch.inverse[1], q);
+    return *v >= 0.0 && *u + *v <= 1.0;
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "core/data.h"
+
+/// Makes a sphere. A negative radius has the bounds and hits of its positive value. Returns the record, which
+/// myObjectList owns, or null without memory.
+Object* makeSphere(Vec center, double radius);
+
+/// The distance at which `ray` meets the sphere, in `*t`. A tangent ray hits, and EPSILON itself is far
+/// enough from the origin. False on a miss, and for non-numbers.
+static inline bool sphereReach(const Sphere& sphere, const Ray& ray, double* t)
+{
+    const Vec l = sphere.center - ray.origin;
+    const double tca = dot(l, ray.direction);
+    const double disc = tca * tca - dot(l, l) + sphere.radiusSquared;
+    if (!(disc >= 0.0))
+        return false;
+    const double s = std::sqrt(disc);
+    *t = tca - s;
+    if (!(*t >= EPSILON))
+        *t = tca + s;
+    return *t >= EPSILON;
+}

@@ -1,0 +1,347 @@
+#include "scene/lexer.h"
+
+#include "scene/parser.h"
+
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+// The last three words stand behind the end of the search and are plain words.
+constexpr MotCle liste_motcle[NUM_KEYWORDS] = {
+    {"camera", CODE_CAMERA},
+    {"light", CODE_LIGHT},
+    {"position", CODE_POSITION},
+    {"direction", CODE_DIRECTION},
+    {"target", CODE_TARGET},
+    {"look_at", CODE_LOOK_AT},
+    {"up", CODE_UP},
+    {"fov", CODE_FOV},
+    {"ratio", CODE_RATIO},
+    {"aperture", CODE_APERTURE},
+    {"focal_length", CODE_FOCAL_LENGTH},
+    {"focal_point", CODE_FOCAL_POINT},
+    {"samples", CODE_SAMPLES},
+    {"camera_samples", CODE_CAMERA_SAMPLES},
+    {"camera_index", CODE_CAMERA_INDEX},
+    {"settings", CODE_SETTINGS},
+    {"background", CODE_BACKGROUND},
+    {"display", CODE_DISPLAY},
+    {"resolution", CODE_DISPLAY},
+    {"output_type", CODE_OUTPUT_TYPE},
+    {"output_name", CODE_OUTPUT_NAME},
+    {"input_name", CODE_INPUT_NAME},
+    {"antialiasing", CODE_ANTIALIASING},
+    {"jitter", CODE_JITTER},
+    {"aa_jitter", CODE_JITTER},
+    {"aa_type", CODE_ANTIALIASING},
+    {"aa_distance", CODE_AA_DISTANCE},
+    {"haze_color", CODE_HAZE_COLOR},
+    {"haze_factor", CODE_HAZE_FACTOR},
+    {"surface", CODE_SURFACE},
+    {"reflection", CODE_REFLECTION},
+    {"refraction", CODE_REFRACTION},
+    {"refraction_index", CODE_REFRACTION_INDEX},
+    {"color", CODE_COLOR},
+    {"ambient", CODE_AMBIENT},
+    {"brilliance", CODE_BRILLIANCE},
+    {"roughness", CODE_ROUGHNESS},
+    {"diffuse", CODE_DIFFUSE},
+    {"specular", CODE_SPECULAR},
+    {"plane", CODE_PLANE},
+    {"normal", CODE_NORMAL},
+    {"distance", CODE_DISTANCE},
+    {"sphere", CODE_SPHERE},
+    {"center", CODE_CENTER},
+    {"radius", CODE_RADIUS},
+    {"cone", CODE_CONE},
+    {"base", CODE_BASE},
+    {"cap", CODE_CAP},
+    {"base_radius", CODE_BASE_RADIUS},
+    {"cap_radius", CODE_CAP_RADIUS},
+    {"ring", CODE_RING},
+    {"internal_radius", CODE_INTERNAL_RADIUS},
+    {"external_radius", CODE_EXTERNAL_RADIUS},
+    {"disc", CODE_DISC},
+    {"polygon", CODE_POLYGON},
+    {"vertex", CODE_VERTEX},
+    {"cylinder", CODE_CYLINDER},
+    {"triangle", CODE_TRIANGLE},
+    {"include", CODE_INCLUDE},
+    {"declare", CODE_DECLARE},
+    {"jpeg_quality", CODE_JPEG_QUALITY},
+    {"patch", CODE_PATCH},
+    {"smooth_triangle", CODE_SMOOTH_TRIANGLE},
+    {"projection_type", CODE_PROJECTION_TYPE},
+    {"attenuation_type", CODE_ATTENUATION_TYPE},
+    {"shadow_type", CODE_SHADOW_TYPE},
+    {"light_type", CODE_LIGHT_TYPE},
+    {"min_angle", CODE_MIN_ANGLE},
+    {"max_angle", CODE_MAX_ANGLE},
+    {"light_samples", CODE_LIGHT_SAMPLES},
+    {"reflection_type", CODE_REFLECTION_TYPE},
+    {"reflection_samples", CODE_REFLECTION_SAMPLES},
+    {"reflection_radius", CODE_REFLECTION_RADIUS},
+    {"global_illumination", CODE_GLOBAL_ILLUMINATION},
+    {"distribution", CODE_DISTRIBUTION},
+    {"brightness", CODE_BRIGHTNESS},
+    {"hammersley", CODE_HAMMERSLEY},
+    {"halton", CODE_HALTON},
+    {"modify", CODE_MODIFY},
+    {"move", CODE_MOVE},
+    {"rotate", CODE_ROTATE},
+    {"scale", CODE_SCALE},
+};
+
+constinit int mot_cle = 0;
+constinit unsigned char type_motcle = 0;
+constinit char chaine[TOKEN_SIZE] = "";
+constinit char strTemp[TOKEN_SIZE] = "";
+constinit double val_DBL = 0.0;
+constinit int val_INT = 0;
+constinit Vec vect_tmp{};
+constinit Color rvb_tmp{};
+constinit int comptligne = 1;
+
+static constinit int length = 0; // of chaine
+
+// Character classes of the scanner; a byte of 128 or above belongs to none.
+enum : unsigned char { SPACE = 1, LETTER = 2, IN_WORD = 4, STARTS_NUMBER = 8, IN_NUMBER = 16 };
+
+static constexpr auto classes = [] {
+    std::array<unsigned char, 256> table{};
+    const auto mark = [&table](std::string_view characters, int flags) {
+        for (const char c : characters)
+            table[static_cast<unsigned char>(c)] =
+                static_cast<unsigned char>(table[static_cast<unsigned char>(c)] | flags);
+    };
+    mark(" \t\n\v\f\r", SPACE);
+    mark("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", LETTER | IN_WORD);
+    mark("_.\\:", IN_WORD);
+    mark("0123456789", IN_WORD | STARTS_NUMBER | IN_NUMBER);
+    mark("+.-", STARTS_NUMBER | IN_NUMBER);
+    mark("eE", IN_NUMBER);
+    return table;
+}();
+
+/// False for the end of file too.
+static bool is(int c, int flags)
+{
+    return c >= 0 && (classes[static_cast<size_t>(c)] & flags) != 0;
+}
+
+/// The next character; counts line ends.
+static int next(FILE* stream)
+{
+    const int c = getc_unlocked(stream);
+    if (c == '\n')
+        ++comptligne;
+    return c;
+}
+
+void yyerror(const char* message)
+{
+    printf("\n Parser Error - line: %d", comptligne);
+    if (*message != '\0')
+        printf(" - %s\n", message);
+    else
+        putchar('\n');
+    exit(-1);
+}
+
+// The search runs over a hash table with a chain of rows for each value, made by the compiler, so that a word
+// is compared with one or two rows and not with all of them.
+constexpr int NUM_BUCKETS = 256;
+struct KeywordIndex {
+    std::int8_t first[NUM_BUCKETS];
+    std::int8_t chain[NUM_FOUND_KEYWORDS];
+};
+
+static constexpr size_t bucketOf(std::string_view word)
+{
+    size_t hash = word.size();
+    for (const char c : word)
+        hash = hash * 31 + static_cast<unsigned char>(c);
+    return hash % NUM_BUCKETS;
+}
+
+static constexpr KeywordIndex keywords = [] {
+    KeywordIndex index{};
+    for (std::int8_t& row : index.first)
+        row = -1;
+    for (int row = NUM_FOUND_KEYWORDS - 1; row >= 0; --row) {
+        std::int8_t& first = index.first[bucketOf(liste_motcle[row].texte)];
+        index.chain[row] = first;
+        first = static_cast<std::int8_t>(row);
+    }
+    return index;
+}();
+
+int Trouve_MotCle()
+{
+    const std::string_view word(chaine, static_cast<size_t>(length));
+    for (int row = keywords.first[bucketOf(word)]; row >= 0; row = keywords.chain[row])
+        if (word == liste_motcle[row].texte)
+            return mot_cle = liste_motcle[row].code;
+    return 0;
+}
+
+/// Collects `c` and what follows it of the given class into chaine, and pushes the first other character
+/// back.
+static void collect(FILE* stream, int c, int flags)
+{
+    do {
+        if (length == TOKEN_SIZE - 1)
+            yyerror(" token too long");
+        chaine[length++] = static_cast<char>(c);
+        c = getc_unlocked(stream);
+    } while (is(c, flags));
+    ungetc(c, stream);
+    chaine[length] = '\0';
+}
+
+/// What strtod or strtol in base 10 makes of chaine: the longest leading part that is a number, else 0.
+template <class Number, class Fallback>
+static Number convert(Fallback fallback)
+{
+    // from_chars knows no plus sign, and nothing may stand between a plus and the number.
+    const char* first = chaine;
+    if (*first == '+' && first[1] != '-')
+        ++first;
+    Number value{};
+    if (std::from_chars(first, chaine + length, value).ec == std::errc::result_out_of_range)
+        return fallback();
+    return value;
+}
+
+static void convertNumber()
+{
+    if (type_motcle == MODE_DECIMAL)
+        val_DBL = convert<double>([] { return strtod(chaine, nullptr); });
+    else
+        val_INT = static_cast<int>(convert<long>([] { return strtol(chaine, nullptr, 10); }));
+}
+
+/// Skips white space and comments and returns the first character behind them.
+static int skipBlank(FILE* stream)
+{
+    for (;;) {
+        int c = next(stream);
+        while (is(c, SPACE))
+            c = next(stream);
+        if (c == ';') {
+            while (c != '\n' && c != EOF)
+                c = next(stream);
+        } else if (c == '[') {
+            while (c != ']') {
+                c = next(stream);
+                if (c == EOF)
+                    yyerror(" unterminated comment");
+            }
+        } else {
+            return c;
+        }
+    }
+}
+
+int Lire_MotCle(FILE* stream)
+{
+    chaine[0] = '\0';
+    length = 0;
+    const int c = skipBlank(stream);
+    switch (c) {
+    case EOF:
+        return mot_cle = TOKEN_EOF;
+    case '{':
+        return mot_cle = TOKEN_OPEN;
+    case '}':
+        return mot_cle = TOKEN_CLOSE;
+    case '"':
+        return mot_cle = TOKEN_QUOTE;
+    case '<':
+        return mot_cle = TOKEN_LESS;
+    case '>':
+        return mot_cle = TOKEN_GREATER;
+    case '#':
+        return mot_cle = TOKEN_HASH;
+    default:
+        break;
+    }
+    if (is(c, LETTER)) {
+        collect(stream, c, IN_WORD);
+        return mot_cle = Trouve_MotCle();
+    }
+    if (is(c, STARTS_NUMBER)) {
+        collect(stream, c, IN_NUMBER);
+        convertNumber();
+        return mot_cle = TOKEN_NUMBER;
+    }
+    printf("\n Syntaxic analyser stopped on character: '%c'", c);
+    printf("\n Please review the script");
+    yyerror("");
+}
+
+/// Reads a token that has to be of the kind `code`.
+static void expect(FILE* stream, int code, const char* message)
+{
+    if (Lire_MotCle(stream) != code)
+        yyerror(message);
+}
+
+void Lire_Chaine(FILE* stream)
+{
+    type_motcle = MODE_DECIMAL;
+    expect(stream, TOKEN_QUOTE, " string expected");
+    Lire_MotCle(stream);
+    memcpy(strTemp, chaine, sizeof strTemp);
+    expect(stream, TOKEN_QUOTE, " '\"' string delimiter expected");
+}
+
+void Lire_Decimal(FILE* stream)
+{
+    type_motcle = MODE_DECIMAL;
+    expect(stream, TOKEN_NUMBER, " Decimal value expected");
+}
+
+void Lire_Entier(FILE* stream)
+{
+    type_motcle = MODE_INTEGER;
+    expect(stream, TOKEN_NUMBER, " Integer value expected");
+}
+
+void Lire_Vecteur(FILE* stream)
+{
+    type_motcle = MODE_DECIMAL;
+    expect(stream, TOKEN_LESS, " Opening backet '<' expected before x component");
+    expect(stream, TOKEN_NUMBER, " x component expected");
+    vect_tmp.x = val_DBL;
+    expect(stream, TOKEN_NUMBER, " y component expected");
+    vect_tmp.y = val_DBL;
+    expect(stream, TOKEN_NUMBER, " z componente expected");
+    vect_tmp.z = val_DBL;
+    expect(stream, TOKEN_GREATER, " Closing bracket '>' expected after z component");
+}
+
+void Lire_RVB(FILE* stream)
+{
+    type_motcle = MODE_DECIMAL;
+    if (Lire_MotCle(stream) == TOKEN_HASH) {
+        Lire_MotCle(stream);
+        const ColorEntry* entry = myColorList;
+        while (entry != nullptr && strcmp(entry->name, chaine) != 0)
+            entry = entry->next;
+        if (entry == nullptr)
+            yyerror(" Color declaration not found");
+        rvb_tmp = entry->color;
+        return;
+    }
+    if (mot_cle != TOKEN_NUMBER)
+        yyerror(" Red component expected");
+    rvb_tmp.red = val_DBL;
+    expect(stream, TOKEN_NUMBER, " Green component expected");
+    rvb_tmp.green = val_DBL;
+    expect(stream, TOKEN_NUMBER, " Blue component expeced");
+    rvb_tmp.blue = val_DBL;
+}

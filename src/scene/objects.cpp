@@ -1,0 +1,198 @@
+#include "scene/objects.h"
+
+#include "core/surface.h"
+#include "primitives/cone.h"
+#include "primitives/patch.h"
+#include "primitives/plane.h"
+#include "primitives/polygon.h"
+#include "primitives/ring.h"
+#include "primitives/sphere.h"
+#include "primitives/triangle.h"
+#include "scene/block.h"
+#include "scene/parser.h"
+
+#include <cstdlib>
+#include <utility>
+
+static constexpr const char* NO_MEMORY = " memory allocation failed";
+
+/// The end of every object block: the current surface is copied, the object counted.
+static void finishObject(Object* object, int* count)
+{
+    if (object == nullptr)
+        yyerror(NO_MEMORY);
+    const SurfaceAttrib& s = surface;
+    setSurfaceAttrib(object, s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse, s.brilliance,
+                     s.specular, s.roughness, s.reflection, s.refraction, s.refractionIndex, s.reflectionType,
+                     s.reflectionSamples, s.reflectionRadius);
+    ++*count;
+}
+
+/// True if both points are the same; such an axis has no direction.
+static bool isSame(Vec a, Vec b)
+{
+    return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+static Vec* newPoints(int count)
+{
+    auto* points = static_cast<Vec*>(malloc(static_cast<size_t>(count) * sizeof(Vec)));
+    if (points == nullptr)
+        yyerror(NO_MEMORY);
+    return points;
+}
+
+void yy_sphere(FILE* stream)
+{
+    Vec center{};
+    double radius = 0.0;
+    BlockWord words[] = {
+        once(CODE_CENTER, &center),
+        once(CODE_RADIUS, &radius, isAboveZero, " sphere radius must be greater than 0"),
+    };
+    readBlock(stream, words, " Unkown parameter in sphere structure");
+    requireCounts(words, " error in sphere structure declaration");
+    finishObject(makeSphere(center, radius), &iNumSphere);
+}
+
+void yy_plane(FILE* stream)
+{
+    Vec normal{};
+    double distance = 0.0;
+    BlockWord words[] = {
+        once(CODE_NORMAL, &normal),
+        once(CODE_DISTANCE, &distance),
+    };
+    readBlock(stream, words, " Unkown parameter in plane structure");
+    requireCounts(words, " error in plane structure declaration");
+    if (isSame(normal, {}))
+        yyerror(" plane normal cannot be <0 0 0>");
+    // A plane is hit by rays that travel along its normal, and the scene's one points to the viewer.
+    finishObject(makePlane(-normal, -distance), &iNumPlane);
+}
+
+static constexpr const char* SAME_ENDS = " base and cap cannot be the same point";
+static constexpr const char* RADIUS_FAULT = " radius cannot be null or negative";
+
+void yy_cylindre(FILE* stream)
+{
+    Vec base{}, cap{};
+    double radius = 0.0;
+    BlockWord words[] = {
+        once(CODE_BASE, &base),
+        once(CODE_CAP, &cap),
+        once(CODE_RADIUS, &radius),
+    };
+    readBlock(stream, words, " Unkown parameter in cylinder structure");
+    requireCounts(words, " error in cylinder structure declaration");
+    if (!(radius > 0.0))
+        yyerror(RADIUS_FAULT);
+    if (isSame(base, cap))
+        yyerror(SAME_ENDS);
+    finishObject(makeCone(base, radius, cap, radius), &iNumCylinder);
+}
+
+void yy_cone(FILE* stream)
+{
+    Vec base{}, cap{};
+    double baseRadius = 0.0, capRadius = 0.0;
+    BlockWord words[] = {
+        once(CODE_BASE, &base),
+        once(CODE_CAP, &cap),
+        once(CODE_BASE_RADIUS, &baseRadius),
+        once(CODE_CAP_RADIUS, &capRadius),
+    };
+    readBlock(stream, words, " Unkown parameter in cone structure");
+    requireCounts(words, " Error in cone structure");
+    if (baseRadius == capRadius && baseRadius == 0.0)
+        yyerror(" base radius and cap radius cannot be both null");
+    if (capRadius < 0.0 || baseRadius < 0.0)
+        yyerror(" base radius or cap radius cannot be negative");
+    if (isSame(base, cap))
+        yyerror(SAME_ENDS);
+    finishObject(makeCone(base, baseRadius, cap, capRadius), &iNumCone);
+}
+
+// The ring speaks of a disc here as well.
+static constexpr const char* FLAT_COUNTS = " missing parameter(s) in disc structure";
+
+void yy_disc(FILE* stream)
+{
+    Vec center{}, normal{};
+    double radius = 0.0;
+    BlockWord words[] = {
+        once(CODE_CENTER, &center),
+        once(CODE_NORMAL, &normal),
+        once(CODE_RADIUS, &radius),
+    };
+    readBlock(stream, words, " Unkown parameter in disc structure");
+    requireCounts(words, FLAT_COUNTS);
+    if (!(radius > 0.0))
+        yyerror(RADIUS_FAULT);
+    finishObject(makeRing(center, normal, 0.0, radius), &iNumDisc);
+}
+
+void yy_ring(FILE* stream)
+{
+    Vec center{}, normal{};
+    double internal = 0.0, external = 0.0;
+    BlockWord words[] = {
+        once(CODE_CENTER, &center),
+        once(CODE_NORMAL, &normal),
+        once(CODE_INTERNAL_RADIUS, &internal),
+        once(CODE_EXTERNAL_RADIUS, &external),
+    };
+    readBlock(stream, words, " Unkown parameter in ring structure");
+    requireCounts(words, FLAT_COUNTS);
+    if (!(internal > 0.0 && external > 0.0))
+        yyerror(" external and internal radius cannot be null or negative");
+    if (internal == external)
+        yyerror(" both radius are equal");
+    if (internal > external)
+        std::swap(internal, external);
+    finishObject(makeRing(center, normal, internal, external), &iNumRing);
+}
+
+void yy_triangle(FILE* stream)
+{
+    Vec* vertices = newPoints(3);
+    BlockWord words[] = {
+        points(CODE_VERTEX, vertices, 1, 3, " Too many vertices in triangle structure"),
+    };
+    readBlock(stream, words, " Unkown parameter in triangle structure");
+    if (words[0].count < 3)
+        yyerror(" Too few vertices in triangle structure");
+    finishObject(makeTriangle(vertices), &iNumTriangle);
+}
+
+void yy_patch(FILE* stream)
+{
+    Vec corners[6]; // each vertex with its normal behind it
+    BlockWord words[] = {
+        points(CODE_VERTEX, corners, 2, 3, " Too many vertices in patch structure"),
+        points(CODE_NORMAL, corners + 1, 2, 3, " Too many normals in patch structure"),
+    };
+    readBlock(stream, words, " Unkown parameter in patch structure");
+    if (words[0].count < 3)
+        yyerror(" Too few vertices in patch structure");
+    if (words[1].count < 3)
+        yyerror(" Too few normals in patch structure");
+    finishObject(makePatch(corners), &iNumPatch);
+}
+
+void yy_polygon(FILE* stream)
+{
+    openBlock(stream);
+    Lire_Entier(stream);
+    const int count = val_INT;
+    if (count < 4)
+        yyerror(" valid number of vertices expected");
+    Vec* vertices = newPoints(count);
+    BlockWord words[] = {
+        points(CODE_VERTEX, vertices, 1, count, " Too many vertices in polygon structure"),
+    };
+    readWords(stream, words, " Unkown parameter in polygon structure");
+    if (words[0].count < count)
+        yyerror(" Too few vertices in polygon structure");
+    finishObject(makePolygon(vertices, count), &iNumPolygone);
+}

@@ -1,0 +1,162 @@
+#include "scene/parser.h"
+
+#include "scene/lexer.h"
+#include "scene/objects.h"
+#include "scene/shading.h"
+#include "scene/view.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+constinit ColorEntry* myColorList = nullptr;
+constinit SurfaceAttrib surface{};
+
+constinit int iNumSphere = 0, iNumRing = 0, iNumPlane = 0, iNumCone = 0, iNumCylinder = 0, iNumDisc = 0,
+              iNumPolygone = 0, iNumTriangle = 0, iNumPatch = 0, iNumSurface = 0, iNumLight = 0;
+
+// Blocks read, for the test of completeness.
+static constinit int c = 0, s = 0, su = 0, l = 0;
+static constinit int uncounted = 0;
+
+void addColorToList(ColorEntry** head, ColorEntry* entry)
+{
+    entry->next = *head;
+    *head = entry;
+}
+
+int freeColorList(ColorEntry** head)
+{
+    int count = 0;
+    while (*head != nullptr) {
+        ColorEntry* next = (*head)->next;
+        free(*head);
+        *head = next;
+        ++count;
+    }
+    return count;
+}
+
+static void yy_declare(FILE* stream)
+{
+    Lire_Chaine(stream);
+    if (strlen(strTemp) >= COLOR_NAME_SIZE)
+        yyerror(" declared name too long");
+    char name[COLOR_NAME_SIZE];
+    strcpy(name, strTemp);
+
+    if (Lire_MotCle(stream) != CODE_COLOR)
+        yyerror(" Unkown element in declaration");
+    auto* entry = static_cast<ColorEntry*>(calloc(1, sizeof(ColorEntry)));
+    if (entry == nullptr)
+        yyerror(" memory allocation failed");
+    memcpy(entry->name, name, sizeof name);
+    for (double* component : {&entry->color.red, &entry->color.green, &entry->color.blue}) {
+        Lire_Decimal(stream);
+        *component = val_DBL;
+    }
+    addColorToList(&myColorList, entry);
+}
+
+struct Statement {
+    int code;
+    void (*parse)(FILE* stream);
+    int* blocks; // counter of the test of completeness
+};
+
+static constexpr Statement statements[] = {
+    {CODE_CAMERA, yy_camera, &c},           {CODE_SETTINGS, yy_settings, &s},
+    {CODE_SURFACE, yy_surface, &su},        {CODE_LIGHT, yy_light, &l},
+    {CODE_SPHERE, yy_sphere, &uncounted},   {CODE_PLANE, yy_plane, &uncounted},
+    {CODE_CONE, yy_cone, &uncounted},       {CODE_CYLINDER, yy_cylindre, &uncounted},
+    {CODE_RING, yy_ring, &uncounted},       {CODE_DISC, yy_disc, &uncounted},
+    {CODE_POLYGON, yy_polygon, &uncounted}, {CODE_TRIANGLE, yy_triangle, &uncounted},
+    {CODE_PATCH, yy_patch, &uncounted},     {CODE_SMOOTH_TRIANGLE, yy_patch, &uncounted},
+    {CODE_DECLARE, yy_declare, &uncounted},
+};
+
+static FILE* openScene(const char* fileName)
+{
+    FILE* stream = fopen(fileName, "r");
+    if (stream == nullptr) {
+        printf("\n Scene file: %s could no be opened\n", fileName);
+        exit(-1);
+    }
+    printf("\n Parsing %s", fileName);
+    return stream;
+}
+
+/// Acts on the statement whose first word was read. An `include` puts its file on top of `open`.
+static void parseStatement(std::vector<FILE*>& open)
+{
+    FILE* stream = open.back();
+    if (mot_cle == CODE_INCLUDE) {
+        Lire_Chaine(stream);
+        open.push_back(openScene(strTemp));
+        return;
+    }
+    for (const Statement& statement : statements) {
+        if (statement.code == mot_cle) {
+            statement.parse(stream);
+            ++*statement.blocks;
+            return;
+        }
+    }
+    printf("\n Scene parser returned error: %d '%s'\n", mot_cle, chaine);
+    yyerror(" Unkown term");
+}
+
+int parseScene(const char* fileName)
+{
+    // A file that includes itself goes on until the system refuses one more stream, and that limit may be
+    // high: the files that wait for their included one stand here and not on the stack.
+    std::vector<FILE*> open{openScene(fileName)};
+    while (!open.empty()) {
+        if (Lire_MotCle(open.back()) != TOKEN_EOF) {
+            parseStatement(open);
+        } else {
+            fclose(open.back());
+            open.pop_back();
+        }
+    }
+    return 0;
+}
+
+static int missing(const char* message)
+{
+    fputs(message, stdout);
+    return -1;
+}
+
+int parseFile(const char* fileName)
+{
+    for (int* count : {&iNumCylinder, &iNumCone, &iNumPlane, &iNumRing, &iNumSphere, &iNumLight, &iNumSurface,
+                       &iNumTriangle, &iNumPatch, &iNumPolygone, &iNumDisc, &c, &s, &su, &l})
+        *count = 0;
+    surface = {}; // so that objects ahead of the first surface block have a defined one
+    parseScene(fileName);
+
+    if (c == 0)
+        return missing(" Missing camera!");
+    if (s == 0)
+        return missing(" Missing settings!");
+    if (su == 0)
+        return missing(" Missing surface!");
+    if (l == 0)
+        printf(" Warning: scene doesn't contain any light.");
+
+    printf("\n\n Number of sphere(s):\t\t%d\n", iNumSphere);
+    printf(" Number of ring(s):\t\t%d\n", iNumRing);
+    printf(" Number of plane(s):\t\t%d\n", iNumPlane);
+    printf(" Number of cone(s):\t\t%d\n", iNumCone);
+    printf(" Number of cylinder(s):\t\t%d\n", iNumCylinder);
+    printf(" Number of disc(s):\t\t%d\n", iNumDisc);
+    printf(" Number of polygon(s):\t\t%d\n", iNumPolygone);
+    printf(" Number of triangle(s):\t\t%d\n", iNumTriangle);
+    printf(" Number of patch(es):\t\t%d\n", iNumPatch);
+    printf(" Number of surface(s):\t\t%d\n", iNumSurface);
+    printf(" Number of light(s):\t\t%d\n", iNumLight);
+    freeColorList(&myColorList);
+    return 0;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "scene/block.h"
+
+#include <vector>
+
+// The blocks that describe no geometry: the camera, and the settings of the picture.
+
+/// Reads a `camera` block into myViewPoint.
+void yy_camera(FILE* stream);
+
+/// Reads a `settings` block into the globals of the picture.
+void yy_settings(FILE* stream);
+
+/// Sets the start values of the picture's settings, which stand until a parameter changes them, and returns
+/// the table of the parameters, all of them optional. It holds the addresses of the globals.
+std::vector<BlockWord> pictureWords();
+
+/// Accepts a number of rays through the lens.
+constexpr const char* CAMERA_SAMPLES_FAULT = " camera samples must be greater than 0";
+
+/// Where the two words for the focus stood, with `point` behind the second one: tests that they did not both
+/// stand and turns a point into a distance from the camera's present position.
+void setFocus(std::span<const BlockWord> words, Vec point);
