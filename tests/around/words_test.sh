@@ -1,0 +1,77 @@
+#!/bin/sh
+# The words of the manual pages and the editors, held against the tables of the program, and what Vim makes of
+# them.
+set -eu
+export LC_ALL=C
+cd -- "$(dirname -- "$0")/../.."
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+status=0
+
+same() { # WHAT WANTED GOT
+    printf '%s\n' "$2" >"$work/wanted"
+    printf '%s\n' "$3" | diff -u "$work/wanted" - || {
+        echo "wrong words in $1, see above" >&2
+        status=1
+    }
+}
+
+found=$(sed -n 's/.* NUM_FOUND_KEYWORDS = \([0-9]*\);/\1/p' src/scene/lexer.h)
+same editors/keywords.txt \
+    "$(sed -n 's/^    {"\([a-z_]*\)", CODE_.*/\1/p' src/scene/lexer.cpp | head -n "$found")" \
+    "$(sed -n -e 's/ statement$//p' -e 's/ parameter$//p' -e 's/ reserved$//p' editors/keywords.txt)"
+
+without() { # PREFIX PAGE prints the words of standard input that do not stand behind PREFIX in PAGE.
+    while read -r word; do
+        sed 's/\\&//g' "$2" | grep -qE -- "$1$word( |\$)" || echo "$word"
+    done
+}
+same man/varlo.5 '' "$(sed -n 's/^\([a-z_]*\) .*/\1/p' editors/keywords.txt | without '(Ic|,) ' man/varlo.5)"
+same man/varlo.1 '' "$(sed -n 's/.*\.forms = {"-\([^"]*\)", "-\([^"]*\)"}.*/\1\n\2/p' src/core/args.cpp |
+    sed 's/?/[?]/' | without 'Fl ' man/varlo.1)"
+
+list() { # KIND VIM-GROUP TEXTMATE-SCOPE
+    wanted=$(sed -n "s/ $1\$//p" editors/keywords.txt)
+    vim=editors/vim/syntax/varlo.vim
+    same "$vim" "$wanted" "$(sed -n "s/^syntax keyword $2 //p" $vim | tr ' ' '\n')"
+    json=editors/vscode/syntaxes/varlo.tmLanguage.json
+    same $json "$wanted" "$(sed -n "/\"$3\"/{n;s/.*(\([a-z_|]*\)).*/\1/p;}" $json | tr '|' '\n')"
+}
+list statement varloStatement keyword.control.varlo
+list parameter varloParameter support.type.property-name.varlo
+list reserved varloReserved invalid.illegal.reserved.varlo
+
+# Vim itself, over the examples and one text with each fault. It prints what it highlights as an error.
+if ! vim --version 2>/dev/null | grep -q '+syntax'; then
+    echo 'no vim with syntax highlighting: its part is skipped'
+    exit $status
+fi
+cat >"$work/faults.vlo" <<'END_OF_FAULTS'
+colour , move modify output_name "a/b" """ [ , ] "x.y" ; ,
+END_OF_FAULTS
+cat >"$work/errors.vim" <<'END_OF_VIM'
+set nocompatible encoding=utf-8
+let &runtimepath = 'editors/vim,' . $VIMRUNTIME
+filetype on
+syntax on
+for s:file in argv()
+    execute 'edit' fnameescape(s:file)
+    for s:line in range(1, line('$'))
+        for s:column in range(1, col([s:line, '$']) - 1)
+            let s:group = synIDattr(synIDtrans(synID(s:line, s:column, 1)), 'name')
+            if &syntax !=# 'varlo' || s:group ==# 'Error'
+                call writefile([s:file . ':' . s:line . ': ' . getline(s:line)[s:column - 1]], $ERRORS, 'a')
+            endif
+        endfor
+    endfor
+endfor
+quitall!
+END_OF_VIM
+errors() { # FILE...
+    ERRORS=$work/errors vim -es -u "$work/errors.vim" -i NONE -n "$@" </dev/null >/dev/null 2>&1 || true
+    cat "$work/errors" 2>/dev/null || true
+    rm -f "$work/errors"
+}
+same 'the examples' '' "$(errors examples/*.vlo)"
+same 'the text with faults' 'colour,movemodify/' "$(errors "$work/faults.vlo" | sed 's/.*: //' | tr -d '\n')"
+exit $status

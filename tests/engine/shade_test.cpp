@@ -1,0 +1,168 @@
+#include "engine/shade.h"
+
+#include "bounds/bound.h"
+#include "engine/light.h"
+#include "engine/ray.h"
+#include "primitives/plane.h"
+#include "primitives/sphere.h"
+#include "support.h"
+
+using ShadeTest = SceneTest;
+
+TEST_F(ShadeTest, RefractionDirection)
+{
+    const struct {
+        double n1, n2;
+        Vec incoming, result;
+        int refracts;
+    } cases[] = {
+        {1.5, 1, {0, 0, -1}, {0, 0, -1}, 1},
+        {1, 2, {0.6, 0, -0.8}, {0.3, 0, -std::sqrt(0.91)}, 1},
+        {2, 1, {0.6, 0, -0.8}, unit({-0.6, 0, 2.4}), 0},
+    };
+    for (const auto& c : cases) {
+        Vec result;
+        EXPECT_EQ(refractionDirection(c.n1, c.n2, c.incoming, {0, 0, 1}, &result), c.refracts);
+        expectNear(result, c.result);
+    }
+}
+
+static SurfaceAttrib skin;
+static Light lamp;
+static Color lampColor;
+static Vec normal;
+
+static void tilt(double cosMaxAngle, double specular, int shadowType)
+{
+    lamp.lightType = SPOT_LIGHT;
+    lamp.direction = {0.8, 0, -0.6};
+    lamp.cosMaxAngle = cosMaxAngle;
+    lamp.shadowType = shadowType;
+    skin.specular = specular;
+}
+
+/// A point at the origin that faces z, seen from 2 away along a slope of 4 to 3, below a light 2 above it.
+static const struct {
+    const char* name;
+    void (*change)();
+    Color expected;
+    int draws = 0;
+} points[] = {
+    {"diffuse", [] {}, {1, 0.5, 0.25}},
+    {"ambient",
+     [] {
+         skin = {.color = {1, 0.5, 0}, .ambient = 0.5};
+     },
+     {0.5, 0.25, 0}},
+    {"light below", [] { lamp.position.z = -2; }, {0, 0, 0}},
+    {"light at the point", [] { lamp.position.z = 0; }, {0, 0, 0}},
+    {"distance", [] { lamp.attenuation = BY_DISTANCE; }, {0.5, 0.25, 0.125}},
+    {"its square", [] { lamp.attenuation = BY_SQUARED_DISTANCE; }, {0.25, 0.125, 0.0625}},
+    {"dim",
+     [] {
+         lamp.attenuation = 1, lampColor = {0.5, 0.25, 0.75};
+     },
+     {0.5, 0.125, 0.1875}},
+    {"brilliance 2",
+     [] {
+         skin.brilliance = 2, normal = {0.6, 0, 0.8};
+     },
+     {0.64, 0.32, 0.16}},
+    {"brilliance 1",
+     [] {
+         skin.brilliance = 1, normal = {0.6, 0, 0.8};
+     },
+     {0.8, 0.4, 0.2}},
+    {"spot", [] { lamp.lightType = SPOT_LIGHT; }, {1, 0.5, 0.25}},
+    {"edge of the spot", [] { tilt(0.5, 0, SHARP_SHADOW); }, {0.4, 0.2, 0.1}},
+    {"limit of the spot", [] { tilt(0.6, 0, SMOOTH_SHADOW); }, {0, 0, 0}, 12},
+    {"outside of the spot", [] { tilt(0.61, 1, SMOOTH_SHADOW); }, {0, 0, 0}},
+    {"highlight", [] { skin = {.specular = 0.5, .roughness = 2}, lamp.attenuation = 1; }, {0.32, 0.32, 0.32}},
+    {"attenuated highlight", [] { skin.specular = 0.5, lamp.attenuation = 1; }, {0.75, 0.5, 0.375}},
+    {"smooth shadow", [] { lamp.shadowType = SMOOTH_SHADOW; }, {1, 0.5, 0.25}, 12},
+    {"reflection", [] { skin = {.reflection = 0.5}; }, {0.25, 0.25, 0.5}},
+    {"fuzzy", [] { skin = {.reflection = 0.5, .reflectionType = 1}; }, {0.25, 0.25, 0.5}, 30},
+    {"no ray", [] { skin = {.reflection = 1, .reflectionType = 1, .reflectionSamples = 0}; }, {0, 0, 0}},
+    {"opaque", [] { skin = {.refraction = 1}; }, {0, 0, 0}},
+    {"endless",
+     [] {
+         skin = {.color = {1, 0.9, 1}, .refraction = 1, .refractionIndex = 1.1};
+     },
+     {0.5, 0, 1}},
+    {"haze",
+     [] {
+         myHaze = {0.5, {0, 0, 1}};
+     },
+     {0.25, 0.125, 0.8125}},
+    {"too much haze",
+     [] {
+         myHaze = {1.5, {0, 0, 2}};
+     },
+     {0, 0, 2}},
+};
+
+TEST_F(ShadeTest, OnePointUnderOneLight)
+{
+    for (const auto& c : points) {
+        SCOPED_TRACE(c.name);
+        resetScene();
+        myBackGroundColor = {0.5, 0.5, 5}; // limited to 1 on its way
+        skin = {.color = {1, 0.5, 0.25}, .diffuse = 1};
+        lamp = {{0, 0, 2}, {0, 0, -1}, POINT_LIGHT, SHARP_SHADOW, NO_ATTENUATION, 4, 0.1, 0.75, 0.5};
+        lampColor = {1, 1, 1};
+        normal = {0, 0, 1};
+        c.change();
+        makeLight(lamp.position, lampColor, lamp.lightType, lamp.attenuation, lamp.shadowType, lamp.radius,
+                  lamp.samples, lamp.cosMinAngle, lamp.cosMaxAngle, lamp.direction);
+        Object object{};
+        object.surface = skin;
+        const Ray ray = {{-1.2, 0, 1.6}, {0.6, 0, -0.8}};
+        const Hit hit = {.distance = 2, .entering = 1, .object = &object, .hitNormal = {}};
+        Color color;
+        int level = 0;
+        EXPECT_EQ(drawsOf([&] { shade(&object, &ray, normal, {0, 0, 0}, &color, &level, &hit); }), c.draws);
+        expectColor(color, c.expected);
+        EXPECT_EQ(level, 0);
+    }
+}
+
+TEST_F(ShadeTest, ShadowOfGlassIsFull)
+{
+    makeSphere({0, 0, 0}, 1)->surface = {.refraction = 1, .refractionIndex = 1.5};
+    makeLight({0, 0, 3}, {1, 1, 1}, POINT_LIGHT, NO_ATTENUATION, SHARP_SHADOW, 0.1, 5, 0, 0, {});
+    for (const auto& [z, light] : {std::pair{-2.0, 0.0}, {2.0, 1.0}}) {
+        Ray ray;
+        const double distance = makeLightRay(myLightList, {0, 0, z}, &ray);
+        EXPECT_EQ(distance, 3 - z);
+        expectColor(getLightColor(myLightList, nullptr, &ray, distance), {light, light, light});
+        expectColor(smoothShadow(myLightList, nullptr, &ray, distance), {light, light, light});
+    }
+}
+
+static void expectTrace(double z, double direction, int level, double distance, Color expected)
+{
+    const Ray ray = {{0, 0, z}, {0, 0, direction}};
+    Color color = {9, 9, 9};
+    EXPECT_DOUBLE_EQ(trace(&ray, &color, &level), distance);
+    expectColor(color, expected);
+}
+
+TEST_F(ShadeTest, WhatOneRayBrings)
+{
+    myBackGroundColor = {1, 2, 0.5};
+    // A coloured glass: tinted on the way in, over the two units inside, and not on the way out.
+    makeSphere({0, 0, 0}, 1)->surface = {.color = {0.25, 1, 0.5}, .refraction = 1, .refractionIndex = 1.5};
+    expectTrace(3, -1, 0, 2, {0.0625, 1, 0.125});
+    expectTrace(3, 1, 5, NO_LIMIT, {1, 1, 0.5});
+    expectTrace(3, 1, 6, 0, {0, 0, 0});
+    myHaze = {1e-300, {0, 0, 1}}; // so thin that only a ray without a hit shows it
+    expectTrace(-3, 1, 0, 2, {0, 0, 0.25});
+
+    // Two mirrors: six levels, each of half the weight.
+    resetScene();
+    const SurfaceAttrib mirror{.color = {1, 1, 1}, .ambient = 0.25, .reflection = 0.5};
+    makePlane({0, 0, -1}, 0)->surface = mirror;
+    makePlane({0, 0, 1}, 4)->surface = mirror;
+    buildBoundingSlabs();
+    expectTrace(1, -1, 0, 1, {0.4921875, 0.4921875, 0.4921875});
+}

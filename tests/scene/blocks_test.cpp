@@ -1,0 +1,199 @@
+#include "support.h"
+
+struct BlocksTest : SceneTest {
+    Folder folder;
+    void parse(const std::string& text)
+    {
+        const std::string file = folder.write("scene", text);
+        printed([&file] { parseScene(file.c_str()); });
+    }
+};
+
+// The text up to the token at fault, what is printed of it, and the message if that is not all.
+static const char* const faults = R"(sphere <| Opening bracket '{' expected
+sphere {~ color| Unkown parameter in sphere structure
+sphere { radius -1| sphere radius must be greater than 0
+sphere { radius 0| sphere radius must be greater than 0
+sphere { radius 1 center <0 0 0>~center <0 0 0>~}| error in sphere structure declaration
+plane { center| Unkown parameter in plane structure
+plane { normal <0 0 0> }| error in plane structure declaration
+plane { normal <0 0 0> distance 0 }| plane normal cannot be <0 0 0>
+cylinder { base_radius| Unkown parameter in cylinder structure
+cylinder { radius -1 cap <0 0 0> }| error in cylinder structure declaration
+cylinder { radius 0 base <0 0 0> cap <0 0 0> }| radius cannot be null or negative
+cylinder { radius 1 base <1 2 3> cap <1 2 3> }| base and cap cannot be the same point
+cone { radius| Unkown parameter in cone structure
+cone { base_radius 0 cap_radius 0 cap <0 0 1> }| Error in cone structure
+cone { base_radius 0 cap_radius 0 cap <0 0 1> base <0 0 1> }| base radius and cap radius cannot be both null
+cone { base_radius -1 cap_radius -1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
+cone { base_radius 0 cap_radius 1 cap <0 0 1> base <0 0 1> }| base and cap cannot be the same point
+disc { internal_radius| Unkown parameter in disc structure
+disc { center <0 0 0> radius 0 }| missing parameter(s) in disc structure
+disc { center <0 0 0> radius 0 normal <0 0 0> }| radius cannot be null or negative
+ring { radius| Unkown parameter in ring structure
+ring { center <0 0 0> normal <0 0 1> internal_radius 0 }| missing parameter(s) in disc structure
+ring { center <0 0 0> normal <0 0 1> internal_radius 0 external_radius 0 }| external and internal radius cannot be null or negative
+ring { center <0 0 0> normal <0 0 1> internal_radius 2 external_radius 2 }| both radius are equal
+triangle { normal| Unkown parameter in triangle structure
+triangle { vertex <0 0 0> vertex <1 0 0> }| Too few vertices in triangle structure
+triangle { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0>~vertex| Too many vertices in triangle structure
+patch { radius| Unkown parameter in patch structure
+patch { normal <0 0 1> vertex <0 0 0> vertex <1 0 0> }| Too few vertices in patch structure
+smooth_triangle { normal <0 0 1> vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> }| Too few normals in patch structure
+patch { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> vertex| Too many vertices in patch structure
+patch { normal <0 0 1> normal <0 0 1> normal <0 0 1>~normal| Too many normals in patch structure
+polygon { vertex| Integer value expected
+polygon { 3| valid number of vertices expected
+polygon { 4 normal| Unkown parameter in polygon structure
+polygon { 4.9 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> }| Too few vertices in polygon structure
+polygon { 4 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> vertex <0 1 0>~vertex| Too many vertices in polygon structure
+camera~1| Opening bracket '{' expected
+camera { target| Unkown parameter in camera structure
+camera { samples 0| camera samples must be greater than 0
+camera { camera_samples -1| camera samples must be greater than 0
+camera { projection_type "round"| invalid camera projection type specified
+camera { position <0 0 0> position <0 0 0> look_at <0 0 1>~}| error in camera structure declaration
+camera { focal_length 1 focal_point <0 0 1> look_at <0 0 1> }| error in camera structure declaration
+camera { focal_length 1 focal_point <0 0 1> look_at <0 0 1> position <0 0 0> }| focal lenght OR focal point must be defined
+settings { input_name| Unkown parameter in settings structure
+settings { output_type "jpg"| invalid output file type specified
+settings { aa_jitter "1"| jitter must be either 'yes' or 'no'
+settings { aa_type "corners"| invalid anti-aliasing type specified
+settings { output_type "png" output_name "a" output_name "a" }| error in settings structure declaration
+settings { output_name "a"~}| error in settings structure declaration
+surface { include| Unkown parameter in surface structure
+surface { color 0 1.01 0| invalid color component(s)
+declare "a" color 0 0 -1 surface { color #a| invalid color component(s)
+surface { reflection_type "blurred"| invalid reflection type specified
+light { direction| Unkown parameter in light structure
+light {~~| Unkown parameter in light structure
+light { light_type "sun"| invalid light type specified
+light { color 1 0 1| invalid color component(s)
+light { radius 0| smooth light radius must be greater than 0
+light { attenuation_type "d3"| invalid light attenuation type specified
+light { shadow_type "soft"| invalid shadow type specified
+light { light_samples 0| smooth light samples must be greater than 0
+light { target <1 1 1> position <1 1 1> }| Error in light structure - invalid target
+light { position <1 1 1> }| Error in light structure - missing parameters
+light { position <0 0 1> color 1 1 1 shadow_type "smooth" samples 8 }| Error in light structure - missing parameters
+light { position <0 0 1> color 1 1 1 shadow_type "smooth" radius 1 samples 8 light_samples 8 }| Error in light structure - missing parameters
+light { position <0 0 1> color 1 1 1 light_type "spot" }| Error in light structure - missing parameters
+declare "a"~surface| Unkown element in declaration
+declare "a" color 1 1 #| Decimal value expected
+surface { color #a } declare "a" color 1 1 1| Color declaration not found
+modify| Unkown term|~ Scene parser returned error: 1000 'modify'~
+~move| Unkown term|~ Scene parser returned error: 0 'move'~
+{| Unkown term|~ Scene parser returned error: 10 ''~
+1.5| Unkown term|~ Scene parser returned error: 1 '1.5'~)";
+
+TEST_F(BlocksTest, Faults)
+{
+    auto rows = rowsOf(faults);
+    rows.push_back({"declare \"" + std::string(64, 'a') + "\"", " declared name too long"});
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row[0]);
+        const std::string file = folder.write("scene", row[0]);
+        const Outcome outcome = inChild([&file] { parseScene(file.c_str()); });
+        const auto line = 1 + std::count(row[0].begin(), row[0].end(), '\n');
+        EXPECT_EQ(outcome.status, 255) << outcome.err;
+        EXPECT_EQ(outcome.out, "\n Parsing " + file + (row.size() > 2 ? row[2] : "") +
+                                   "\n Parser Error - line: " + std::to_string(line) + " - " + row[1] + "\n");
+    }
+}
+
+static std::string lineOf(const SurfaceAttrib& s)
+{
+    return line(s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse, s.brilliance, s.specular,
+                s.roughness, s.reflection, s.refraction, s.refractionIndex, s.reflectionRadius,
+                s.reflectionSamples, s.reflectionType);
+}
+
+TEST_F(BlocksTest, ObjectsKeepWhatTheirBlocksSay)
+{
+    parse(
+        "sphere { radius 2 center <1 2 3> } declare \"a\" color 9 9 9 declare \"a\" color 0.5 0.25 1"
+        " surface { color #a ambient 1 diffuse 2 brilliance 3 specular 4 roughness 5 reflection 6 refraction "
+        "9"
+        " reflection_type \"fuzzy\" reflection_samples 7.5 reflection_radius 8 refraction_index 10 }"
+        "plane { distance 2 normal <0 0 4> }"
+        "ring { internal_radius 2 external_radius 1 normal <0 2 0> center <1 1 1> }"
+        "disc { radius 3 normal <2 0 0> center <4 5 6> }"
+        "cylinder { radius 1 cap <0 0 3> base <0 0 1> }"
+        "cone { base_radius 0 cap_radius 2 base <0 0 0> cap <4 0 0> }"
+        "triangle { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> }"
+        "polygon { 4.9 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> vertex <0 5 0> }"
+        "patch { normal <0 0 1> normal <0 3 4> vertex <0 0 0> normal <3 0 4> vertex <1 0 0> vertex <0 1 0> }"
+        "surface { refraction_index 0.5 color 1 1 0 } smooth_triangle { vertex <0 0 0> normal <0 0 1>"
+        " vertex <1 0 0> normal <0 0 1> vertex <0 1 0> normal <0 0 1> }");
+    EXPECT_EQ(
+        printed([] { EXPECT_EQ(printList(myObjectList), 10); }),
+        "patch\npatch\npolygon\ntriangle\nCone: 0 0 0 0 4 0 0 2\nCone: 0 0 1 1 0 0 3 1\n"
+        "Ring: Nx = 1, Ny = 0, Nz = 0\n Cx = 4, Cy = 5, Cz = 6\n"
+        "Ring: Nx = 0, Ny = 1, Nz = 0\n Cx = 1, Cy = 1, Cz = 1\nPlane: Nx = -0, Ny = -0, Nz = -1, D = 2\n"
+        "Sphere: Cx = 1, Cy = 2, Cz = 3, R = 2\n");
+    const Object* last = myObjectList;
+    const Object *patch = last->next, *polygon = patch->next, *triangle = polygon->next;
+    const Object *disc = triangle->next->next->next, *ring = disc->next;
+    EXPECT_EQ(line(ring->ring.innerSquared, ring->ring.outerSquared), "1 4 ");
+    EXPECT_EQ(line(disc->ring.innerSquared, disc->ring.outerSquared), "0 9 ");
+    expectNear(patch->patch.vertices[1], {1, 0, 0});
+    expectNear(patch->patch.normals[1], {0, 0.6, 0.8});
+    expectNear(patch->patch.normals[2], {0.6, 0, 0.8});
+    EXPECT_EQ(polygon->polygon.vertexCount, 4);
+    expectNear(polygon->polygon.vertices[3], {0, 5, 0});
+    expectNear(triangle->triangle.vertices[2], {0, 1, 0});
+    EXPECT_EQ(lineOf(last->surface), "1 1 0 0 0 0 0 0 0 0 1 1 10 0 ");
+    const Object* object = patch;
+    for (; object->next != nullptr; object = object->next)
+        EXPECT_EQ(lineOf(object->surface), "0.5 0.25 1 1 2 3 4 5 6 9 10 8 7 1 ");
+    EXPECT_EQ(lineOf(object->surface), "0 0 0 0 0 0 0 0 0 0 1 1 10 0 ");
+}
+
+TEST_F(BlocksTest, Lights)
+{
+    parse("light { position <0 0 9> color 2 2 2 light_samples 3 samples 4 }"
+          "light { color 1 1 1 light_type \"spot\" target <0 0 -5> radius 2 samples 6 shadow_type \"smooth\""
+          " attenuation_type \"d\" min_angle 120 max_angle 90 position <0 0 5> }");
+    const auto lineOfLight = [](const Light& l) {
+        return line(l.lightType, l.attenuation, l.shadowType, l.samples, l.radius, l.cosMinAngle,
+                    l.cosMaxAngle);
+    };
+    const Object *spot = myLightList, *point = spot->next;
+    EXPECT_EQ(lineOfLight(point->light), "0 2 0 4 0 0.996195 0.965926 ");
+    EXPECT_EQ(lineOfLight(spot->light), "1 1 1 6 2 0.5 0.707107 ");
+    expectColor(point->surface.color, {2, 2, 2});
+    expectNear(spot->light.position, {0, 0, 5});
+    expectNear(spot->light.direction, {0, 0, -1});
+}
+
+TEST_F(BlocksTest, LaterBlocksStartAnew)
+{
+    const auto camera = [] {
+        const ViewPoint& v = myViewPoint;
+        return line(v.position.x, v.lookAt.x, v.up.y, v.up.z, v.fovX, v.ratio, v.aperture, v.focalLength,
+                    v.samples, v.projection);
+    };
+    parse("camera { position <1 2 3> look_at <4 5 6> up <0 1 0> fov 90 ratio 2 aperture 3 camera_samples 5"
+          " focal_point <1 6 6> projection_type \"fisheye\" }");
+    EXPECT_EQ(camera(), "1 4 1 0 0.785398 2 3 5 5 1 ");
+    parse("camera { position <7 8 9> look_at <2 1 1> }");
+    EXPECT_EQ(camera(), "7 2 0 1 0.392699 1.33333 0 10 16 0 ");
+
+    const auto settings = [] {
+        return line(myDisplay.width, myDisplay.height, iImageType, jitter, iAntialias, adapt_dist,
+                    myHaze.factor, myHaze.color.blue, myBackGroundColor.green, jpeg_quality,
+                    myDisplay.outputName);
+    };
+    parse(
+        "settings { resolution 5 6.9 output_type \"tiff\" output_name \"x\" aa_jitter \"yes\" jpeg_quality 7"
+        " antialiasing \"adaptive\" aa_distance 2.5 haze_color 4 5 -6 haze_factor 0.5 background 1 2 3 }");
+    EXPECT_EQ(settings(), "5 6 5 1 2 2 0.5 -6 2 7 x ");
+    for (const auto& [text, quality] : {std::pair{"", "7"},
+                                        {"jpeg_quality 0", "90"},
+                                        {"jpeg_quality -5", "90"},
+                                        {"jpeg_quality 101", "100"},
+                                        {"jpeg_quality 1", "1"}}) {
+        parse("settings { output_type \"ppm\" output_name \"\"\" " + std::string(text) + " }");
+        EXPECT_EQ(settings(), line("320 240 2 0 0 64 0 0 0", quality, ""));
+    }
+}

@@ -1,0 +1,172 @@
+#pragma once
+
+#include "scene/lexer.h"
+#include "scene/parser.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+/// Gives every global that a scene or the command line changes its start value.
+inline void resetScene()
+{
+    static auto& kept = *new std::vector<Object*>; // primitives live to the end, as in the program
+    kept.push_back(myObjectList);
+    freeList(&myLightList);
+    freeColorList(&myColorList);
+    myObjectList = nullptr;
+    nPrims = 0;
+    myViewPoint = {};
+    myDisplay = {};
+    myHaze = {};
+    myBackGroundColor = {};
+    surface = {};
+    iAntialias = AA_NONE;
+    iImageType = BMP;
+    adapt_dist = 20;
+    numThreads = 2;
+    iPQSize = 128;
+    comptligne = 1;
+    jitter = jpeg_quality = use3ds = iCameraIndex = 0;
+    inputFileName[0] = '\0';
+    bunching = 4;
+    for (int i = 0; i < 3; ++i)
+        Slab[i] = {i == 0 ? 1.0 : 0.0, i == 1 ? 1.0 : 0.0, i == 2 ? 1.0 : 0.0};
+}
+
+struct SceneTest : testing::Test {
+    SceneTest()
+    {
+        resetScene();
+    }
+    ~SceneTest() override
+    {
+        resetScene();
+    }
+};
+
+inline void expectNear(Vec actual, Vec expected)
+{
+    EXPECT_LE(lengthOf(actual - expected), 1e-15) << actual.x << " " << actual.y << " " << actual.z;
+}
+
+inline void expectColor(Color actual, Color expected)
+{
+    expectNear({actual.red, actual.green, actual.blue}, {expected.red, expected.green, expected.blue});
+}
+
+/// The lines of a table with their cells, which stand between bars; ~ stands for a line end in a cell.
+inline std::vector<std::vector<std::string>> rowsOf(const char* table)
+{
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream lines(table);
+    for (std::string line; std::getline(lines, line);) {
+        std::replace(line.begin(), line.end(), '~', '\n');
+        std::istringstream cells(line);
+        rows.emplace_back();
+        for (std::string cell; std::getline(cells, cell, '|');)
+            rows.back().push_back(cell);
+    }
+    return rows;
+}
+
+/// The values in a line, with a blank behind each.
+template <class... Values>
+std::string line(const Values&... values)
+{
+    std::ostringstream stream;
+    ((stream << values << ' '), ...);
+    return stream.str();
+}
+
+/// What `body` prints on standard output.
+inline std::string printed(const std::function<void()>& body)
+{
+    testing::internal::CaptureStdout();
+    body();
+    return testing::internal::GetCapturedStdout();
+}
+
+/// `text` as a stream, given to `read`.
+inline void readText(const std::string& text, const std::function<void(FILE*)>& read)
+{
+    FILE* stream = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
+    read(stream);
+    fclose(stream);
+}
+
+/// How many random numbers `body` draws.
+inline int drawsOf(const std::function<void()>& body)
+{
+    srand(1);
+    body();
+    const int next = rand();
+    srand(1);
+    int draws = 0;
+    while (rand() != next)
+        ++draws;
+    return draws;
+}
+
+/// A new folder, which goes with its files.
+struct Folder {
+    std::string path = testing::TempDir() + "varlo-XXXXXX";
+    Folder()
+    {
+        EXPECT_NE(mkdtemp(path.data()), nullptr);
+    }
+    ~Folder()
+    {
+        std::filesystem::remove_all(path);
+    }
+    std::string write(const char* name, const std::string& text) const
+    {
+        std::ofstream(path + "/" + name) << text;
+        return path + "/" + name;
+    }
+    std::string read(const char* name) const
+    {
+        std::ifstream file(path + "/" + name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+};
+
+/// How a process ended, and what it printed on both outputs.
+struct Outcome {
+    int status; // 1000 plus the signal if one ended it
+    std::string out, err;
+};
+
+/// Runs `body` in a process of its own, which ends with status 0 if it returns.
+inline Outcome inChild(const std::function<void()>& body)
+{
+    FILE* files[] = {tmpfile(), tmpfile()};
+    fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(fileno(files[0]), STDOUT_FILENO);
+        dup2(fileno(files[1]), STDERR_FILENO);
+        body();
+        exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    std::string texts[2];
+    for (int i = 0; i < 2; ++i) {
+        rewind(files[i]);
+        for (int c = getc(files[i]); c != EOF; c = getc(files[i]))
+            texts[i] += static_cast<char>(c);
+        fclose(files[i]);
+    }
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), texts[0], texts[1]};
+}
