@@ -9,15 +9,11 @@
 constinit const PackedNode* packedRoot = nullptr;
 
 static constexpr float INFINITE = std::numeric_limits<float>::infinity();
-static constexpr float LARGEST = std::numeric_limits<float>::max();
-
-/// The greatest float that is not above `value`.
-static float roundedDown(double value)
+/// A bound as a float, kept within what the walk can calculate with. Its slack is far above the rounding
+/// here.
+static float packedBound(double value)
 {
-    if (std::abs(value) > LARGEST)
-        return value > 0.0 ? LARGEST : -INFINITE;
-    const auto nearest = static_cast<float>(value);
-    return nearest > value ? std::nextafter(nearest, -INFINITE) : nearest;
+    return static_cast<float>(std::clamp(value, -1e30, 1e30));
 }
 
 /// Counts the nodes of a tree. False if one of its bounds is not a number.
@@ -44,10 +40,10 @@ static const PackedNode* pack(const Object* node, PackedNode** next)
             // Bounds that stand the wrong way round, of a record that nothing can hit, count as turned.
             packed->planes[axis][lane] =
                 member == nullptr ? INFINITE
-                                  : roundedDown(std::min(member->boundsMin[axis], member->boundsMax[axis]));
+                                  : packedBound(std::min(member->boundsMin[axis], member->boundsMax[axis]));
             packed->planes[3 + axis][lane] =
                 member == nullptr ? -INFINITE
-                                  : -roundedDown(-std::max(member->boundsMin[axis], member->boundsMax[axis]));
+                                  : packedBound(std::max(member->boundsMin[axis], member->boundsMax[axis]));
         }
         packed->members[lane] = 0;
         if (member == nullptr)

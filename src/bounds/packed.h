@@ -11,8 +11,8 @@ constexpr int LANES = 4; // members of a packed node, at most `bunching` of them
 using PackedMember = uintptr_t;
 
 /// A bounding node in the form that the walk reads: the bounds of all its members side by side, so that one
-/// test serves them all, in two cache lines. The planes stand as lower x, y, z, upper x, y, z; they are
-/// rounded outwards and enclose what they stand for. An empty lane lies behind itself: no ray passes it.
+/// test serves them all, in two cache lines. The planes stand as
+/// lower x, y, z, upper x, y, z. An empty lane lies behind itself: no ray passes it.
 struct alignas(64) PackedNode {
     float planes[6][LANES];
     PackedMember members[LANES];

@@ -5,6 +5,7 @@
 #include "scene/shading.h"
 #include "scene/view.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,8 +18,8 @@ constinit int iNumSphere = 0, iNumRing = 0, iNumPlane = 0, iNumCone = 0, iNumCyl
               iNumPolygone = 0, iNumTriangle = 0, iNumPatch = 0, iNumSurface = 0, iNumLight = 0;
 
 // Blocks read, for the test of completeness.
-static constinit int c = 0, s = 0, su = 0, l = 0;
-static constinit int uncounted = 0;
+static constinit std::int16_t c = 0, s = 0, su = 0, l = 0;
+static constinit std::int16_t uncounted = 0;
 
 void addColorToList(ColorEntry** head, ColorEntry* entry)
 {
@@ -62,7 +63,7 @@ static void yy_declare(FILE* stream)
 struct Statement {
     int code;
     void (*parse)(FILE* stream);
-    int* blocks; // counter of the test of completeness
+    std::int16_t* blocks; // counter of the test of completeness
 };
 
 static constexpr Statement statements[] = {
@@ -132,8 +133,9 @@ static int missing(const char* message)
 int parseFile(const char* fileName)
 {
     for (int* count : {&iNumCylinder, &iNumCone, &iNumPlane, &iNumRing, &iNumSphere, &iNumLight, &iNumSurface,
-                       &iNumTriangle, &iNumPatch, &iNumPolygone, &iNumDisc, &c, &s, &su, &l})
+                       &iNumTriangle, &iNumPatch, &iNumPolygone, &iNumDisc})
         *count = 0;
+    c = s = su = l = 0;
     surface = {}; // so that objects ahead of the first surface block have a defined one
     parseScene(fileName);
 
