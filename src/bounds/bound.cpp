@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdlib>
 
+constinit int iNumNodes = 0;
+
 static constinit int total = 0;       // records that stand in the top-level list
 static constinit int Axis = 0;        // result of findAxis: 0, 1 or 2
 static constinit double Median = 0.0; // result of findAxis: a mean position
@@ -107,6 +109,7 @@ static void wrap(Object** link, int count)
     last->next = nullptr;
     *link = node;
     ++nPrims;
+    ++iNumNodes;
 }
 
 int sortAndSplit(Object** link, int count)
@@ -145,6 +148,7 @@ int sortAndSplit(Object** link, int count)
 void buildBoundingSlabs()
 {
     total = nPrims;
+    iNumNodes = 0;
     while (sortAndSplit(&myObjectList, total) != 0) {
     }
 }

@@ -5,6 +5,8 @@
 // Turns the list of primitives, in place, into a tree of bounding nodes: repeated passes over the list, each
 // of which splits it around mean positions until the pieces are small enough to be wrapped into one node.
 
+extern int iNumNodes; // bounding nodes of the tree
+
 /// Builds the tree over myObjectList: afterwards its root, or the only primitive, or null. Raises nPrims by
 /// the number of nodes. Without memory it ends the process with status 1.
 void buildBoundingSlabs();

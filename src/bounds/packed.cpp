@@ -1,10 +1,12 @@
 #include "bounds/packed.h"
 
+#include "bounds/bound.h"
 #include "bounds/pqueue.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 
 constinit const PackedNode* packedRoot = nullptr;
 
@@ -16,42 +18,39 @@ static float packedBound(double value)
     return static_cast<float>(std::clamp(value, -1e30, 1e30));
 }
 
-/// Counts the nodes of a tree. False if one of its bounds is not a number.
-static bool countNodes(const Object* node, size_t* count)
+namespace
 {
-    ++*count;
-    for (const Object* member = node->children->first; member != nullptr; member = member->next) {
-        for (int axis = 0; axis < 3; ++axis)
-            if (std::isnan(member->boundsMin[axis]) || std::isnan(member->boundsMax[axis]))
-                return false;
-        if (member->type == BOUNDING_NODE && !countNodes(member, count))
-            return false;
+/// The work of one packTree.
+struct Packing {
+    PackedNode* next;       // where the next node goes
+    bool isEnclosed = true; // no bound so far that is not a number
+};
+} // namespace
+
+/// Packs the bounds of one member. Bounds that stand the wrong way round, of a record that nothing can hit,
+/// count as turned.
+static void packBounds(const Object* member, PackedNode* packed, int lane, Packing* packing)
+{
+    for (int axis = 0; axis < 3; ++axis) {
+        const auto [low, high] = std::minmax(member->boundsMin[axis], member->boundsMax[axis]);
+        packing->isEnclosed = packing->isEnclosed && low <= high;
+        packed->planes[axis][lane] = packedBound(low);
+        packed->planes[3 + axis][lane] = packedBound(high);
     }
-    return true;
 }
 
-/// Packs `node` into `*next`, its subtrees behind it, and moves `*next` on.
-static const PackedNode* pack(const Object* node, PackedNode** next)
+/// Packs `node`, and its subtrees behind it.
+static const PackedNode* pack(const Object* node, Packing* packing)
 {
-    PackedNode* packed = (*next)++;
-    const Object* member = node->children->first;
-    for (int lane = 0; lane < LANES; ++lane) {
-        for (int axis = 0; axis < 3; ++axis) {
-            // Bounds that stand the wrong way round, of a record that nothing can hit, count as turned.
-            packed->planes[axis][lane] =
-                member == nullptr ? INFINITE
-                                  : packedBound(std::min(member->boundsMin[axis], member->boundsMax[axis]));
-            packed->planes[3 + axis][lane] =
-                member == nullptr ? -INFINITE
-                                  : packedBound(std::max(member->boundsMin[axis], member->boundsMax[axis]));
-        }
-        packed->members[lane] = 0;
-        if (member == nullptr)
-            continue;
+    PackedNode* packed = packing->next++;
+    std::fill(packed->planes[0], packed->planes[3], INFINITE);
+    std::fill(packed->planes[3], packed->planes[6], -INFINITE);
+    int lane = 0;
+    for (const Object* member = node->children->first; member != nullptr; member = member->next, ++lane) {
+        packBounds(member, packed, lane, packing);
         const void* record =
-            member->type == BOUNDING_NODE ? static_cast<const void*>(pack(member, next)) : member;
+            member->type == BOUNDING_NODE ? static_cast<const void*>(pack(member, packing)) : member;
         packed->members[lane] = memberOf(record, member->type);
-        member = member->next;
     }
     return packed;
 }
@@ -59,18 +58,20 @@ static const PackedNode* pack(const Object* node, PackedNode** next)
 void packTree()
 {
     releasePackedTree();
-    size_t count = 0;
-    if (myObjectList == nullptr || myObjectList->type != BOUNDING_NODE || bunching > LANES ||
-        !countNodes(myObjectList, &count))
+    if (myObjectList == nullptr || myObjectList->type != BOUNDING_NODE || bunching > LANES)
         return;
     // A queue that could not be had has to be missed by the first ray.
     void* queue = malloc(static_cast<size_t>(iPQSize) * sizeof(PQEntry));
     if (queue == nullptr)
         return;
     free(queue);
-    auto* nodes = static_cast<PackedNode*>(aligned_alloc(alignof(PackedNode), count * sizeof(PackedNode)));
-    if (nodes != nullptr)
-        packedRoot = pack(myObjectList, &nodes);
+    Packing packing{.next = static_cast<PackedNode*>(aligned_alloc(
+                        alignof(PackedNode), static_cast<size_t>(iNumNodes) * sizeof(PackedNode)))};
+    if (packing.next == nullptr)
+        return;
+    packedRoot = pack(myObjectList, &packing);
+    if (!packing.isEnclosed)
+        releasePackedTree();
 }
 
 void releasePackedTree()

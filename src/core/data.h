@@ -144,8 +144,9 @@ struct Object {
     NormalOperation ObjectNormal;       // unit normal at the point of that hit, turned to no special side
     PrintOperation ObjectPrint;
     ChildList* children;
+    double boundsMin[3],
+        boundsMax[3]; // along the three Slab directions; near `next`: the build reads them together
     SurfaceAttrib surface;
-    double boundsMin[3], boundsMax[3]; // along the three Slab directions
     union {
         Sphere sphere;
         Plane plane;

@@ -5,7 +5,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <map>
+#include <string>
 
 // One table for each kind of parent chunk tells which sub-chunks are read, and by whom; all others are
 // stepped over. Chunks nest so that what is filled is always the record that was added last.
@@ -25,6 +26,11 @@ static constexpr int MAX_DEPTH = 32; // levels of chunks in chunks; a real file 
 
 static constinit int depth = 0;
 static constinit bool noMemory = false;
+
+// The first material of each name, among the first `numIndexed` ones. A plain search would take the square of
+// the time when a file has both many materials and many objects.
+static std::map<std::string, int, std::less<>> firstOfName;
+static constinit int numIndexed = 0;
 
 static bool stopForMemory()
 {
@@ -144,19 +150,26 @@ static bool readUVCoordinates(Model3DS* model, Chunk* chunk)
     return takeRecords(chunk, &object.texCoords, &object.numTexCoords, 8, takeTexCoord) && skipRest(chunk);
 }
 
-/// Finds the material among those that stand ahead in the file. The list of faces behind its name is dropped:
-/// an object has one material, the last that was found.
+/// Finds the first material of a name among those that stand ahead in the file; -1 if there is none. No
+/// material is being read meanwhile, so that their names are final.
+static int findMaterial(const Model3DS* model, const char* name)
+{
+    for (; numIndexed < model->numMaterials; ++numIndexed)
+        firstOfName.try_emplace(model->materials[numIndexed].name, numIndexed);
+    const auto found = firstOfName.find(name);
+    return found != firstOfName.end() ? found->second : -1;
+}
+
+/// The list of faces behind the name is dropped: an object has one material, the last that was found.
 static bool readObjectMaterial(Model3DS* model, Chunk* chunk)
 {
     char name[MODEL_NAME_SIZE];
     if (!getString(chunk, name))
         return false;
-    const std::span materials(model->materials, static_cast<size_t>(model->numMaterials));
-    const auto found = std::ranges::find_if(
-        materials, [&name](const ModelMaterial& material) { return strcmp(name, material.name) == 0; });
-    if (found != materials.end()) {
-        lastObject(model).materialIndex = static_cast<int>(found - materials.begin());
-        if (found->textureFile[0] != '\0')
+    const int found = findMaterial(model, name);
+    if (found >= 0) {
+        lastObject(model).materialIndex = found;
+        if (model->materials[found].textureFile[0] != '\0')
             lastObject(model).hasTexture = 1;
     }
     return skipRest(chunk);
@@ -325,6 +338,8 @@ int import3DS(Model3DS* model, const char* fileName, int withNormals)
     if (whole)
         processNextChunk(model, &primary);
     closeChunks();
+    firstOfName.clear();
+    numIndexed = 0;
     if (noMemory)
         return failForMemory();
     if (damagedAt >= 0)

@@ -105,8 +105,6 @@ constinit Vec vect_tmp{};
 constinit Color rvb_tmp{};
 constinit int comptligne = 1;
 
-static constinit int length = 0; // of chaine
-
 // Character classes of the scanner; a byte of 128 or above belongs to none.
 enum : unsigned char { SPACE = 1, LETTER = 2, IN_WORD = 4, STARTS_NUMBER = 8, IN_NUMBER = 16 };
 
@@ -159,11 +157,11 @@ struct KeywordIndex {
     std::int8_t chain[NUM_FOUND_KEYWORDS];
 };
 
-static constexpr size_t bucketOf(std::string_view word)
+static constexpr size_t bucketOf(const char* word)
 {
-    size_t hash = word.size();
-    for (const char c : word)
-        hash = hash * 31 + static_cast<unsigned char>(c);
+    size_t hash = 0;
+    for (; *word != '\0'; ++word)
+        hash = hash * 31 + static_cast<unsigned char>(*word);
     return hash % NUM_BUCKETS;
 }
 
@@ -181,47 +179,48 @@ static constexpr KeywordIndex keywords = [] {
 
 int Trouve_MotCle()
 {
-    const std::string_view word(chaine, static_cast<size_t>(length));
-    for (int row = keywords.first[bucketOf(word)]; row >= 0; row = keywords.chain[row])
-        if (word == liste_motcle[row].texte)
+    for (int row = keywords.first[bucketOf(chaine)]; row >= 0; row = keywords.chain[row])
+        if (strcmp(chaine, liste_motcle[row].texte) == 0)
             return mot_cle = liste_motcle[row].code;
     return 0;
 }
 
-/// Collects `c` and what follows it of the given class into chaine, and pushes the first other character
-/// back.
-static void collect(FILE* stream, int c, int flags)
+/// Collects `c` and what follows it of the given class into chaine, pushes the first other character back and
+/// returns the end of the text.
+static const char* collect(FILE* stream, int c, int flags)
 {
+    char* end = chaine;
     do {
-        if (length == TOKEN_SIZE - 1)
+        if (end == chaine + TOKEN_SIZE - 1)
             yyerror(" token too long");
-        chaine[length++] = static_cast<char>(c);
+        *end++ = static_cast<char>(c);
         c = getc_unlocked(stream);
     } while (is(c, flags));
     ungetc(c, stream);
-    chaine[length] = '\0';
+    *end = '\0';
+    return end;
 }
 
 /// What strtod or strtol in base 10 makes of chaine: the longest leading part that is a number, else 0.
 template <class Number, class Fallback>
-static Number convert(Fallback fallback)
+static Number convert(const char* end, Fallback fallback)
 {
     // from_chars knows no plus sign, and nothing may stand between a plus and the number.
     const char* first = chaine;
     if (*first == '+' && first[1] != '-')
         ++first;
     Number value{};
-    if (std::from_chars(first, chaine + length, value).ec == std::errc::result_out_of_range)
+    if (std::from_chars(first, end, value).ec == std::errc::result_out_of_range)
         return fallback();
     return value;
 }
 
-static void convertNumber()
+static void convertNumber(const char* end)
 {
     if (type_motcle == MODE_DECIMAL)
-        val_DBL = convert<double>([] { return strtod(chaine, nullptr); });
+        val_DBL = convert<double>(end, [] { return strtod(chaine, nullptr); });
     else
-        val_INT = static_cast<int>(convert<long>([] { return strtol(chaine, nullptr, 10); }));
+        val_INT = static_cast<int>(convert<long>(end, [] { return strtol(chaine, nullptr, 10); }));
 }
 
 /// Skips white space and comments and returns the first character behind them.
@@ -249,7 +248,6 @@ static int skipBlank(FILE* stream)
 int Lire_MotCle(FILE* stream)
 {
     chaine[0] = '\0';
-    length = 0;
     const int c = skipBlank(stream);
     switch (c) {
     case EOF:
@@ -274,8 +272,7 @@ int Lire_MotCle(FILE* stream)
         return mot_cle = Trouve_MotCle();
     }
     if (is(c, STARTS_NUMBER)) {
-        collect(stream, c, IN_NUMBER);
-        convertNumber();
+        convertNumber(collect(stream, c, IN_NUMBER));
         return mot_cle = TOKEN_NUMBER;
     }
     printf("\n Syntaxic analyser stopped on character: '%c'", c);
