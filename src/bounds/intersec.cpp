@@ -90,7 +90,7 @@ int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
         return 0;
     if (myObjectList->type != BOUNDING_NODE)
         return myObjectList->ObjectIntersect(myObjectList, ray, hit);
-    if (packedRoot != nullptr) {
+    if (packedRoot != 0) {
         const Object* found;
         switch (walkToNearest(*ray, limit, exclude, &found)) {
         case Answer::NOTHING:
@@ -106,7 +106,7 @@ int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
 
 bool isBlocked(const Ray* ray, double limit, const Object* exclude)
 {
-    if (packedRoot != nullptr) {
+    if (packedRoot != 0) {
         const Object* found;
         const Answer answer = walkToAny(*ray, limit, exclude, &found);
         if (answer != Answer::UNSURE)

@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <utility>
 
-constinit const PackedNode* packedRoot = nullptr;
+constinit PackedMember packedRoot = 0;
 
 static constexpr float INFINITE = std::numeric_limits<float>::infinity();
+
 /// A bound as a float, kept within what the walk can calculate with. Its slack is far above the rounding
 /// here.
 static float packedBound(double value)
@@ -39,20 +39,56 @@ static void packBounds(const Object* member, PackedNode* packed, int lane, Packi
     }
 }
 
+namespace
+{
+/// The members that one packed node gets.
+struct Members {
+    const Object* objects[LANES];
+    int count = 0, folded = 0;
+};
+} // namespace
+
+static void addMembers(const Object* node, Members* members)
+{
+    for (const Object* member = node->children->first; member != nullptr; member = member->next)
+        members->objects[members->count++] = member;
+}
+
+/// The members of `node`; as long as there is room for them, those of a member stand in its place.
+static Members gatherMembers(const Object* node)
+{
+    Members members;
+    addMembers(node, &members);
+    for (int i = 0; i < members.count;) {
+        const Object* member = members.objects[i];
+        if (member->type != BOUNDING_NODE || members.count - 1 + member->children->count > LANES) {
+            ++i;
+            continue;
+        }
+        members.objects[i] = members.objects[--members.count];
+        addMembers(member, &members);
+        ++members.folded;
+        i = 0;
+    }
+    return members;
+}
+
 /// Packs `node`, and its subtrees behind it.
-static const PackedNode* pack(const Object* node, Packing* packing)
+static PackedMember pack(const Object* node, Packing* packing)
 {
     PackedNode* packed = packing->next++;
     std::fill(packed->planes[0], packed->planes[3], INFINITE);
     std::fill(packed->planes[3], packed->planes[6], -INFINITE);
-    int lane = 0;
-    for (const Object* member = node->children->first; member != nullptr; member = member->next, ++lane) {
+    const Members members = gatherMembers(node);
+    for (int lane = 0; lane < members.count; ++lane) {
+        const Object* member = members.objects[lane];
         packBounds(member, packed, lane, packing);
-        const void* record =
-            member->type == BOUNDING_NODE ? static_cast<const void*>(pack(member, packing)) : member;
-        packed->members[lane] = memberOf(record, member->type);
+        packed->members[lane] = member->type == BOUNDING_NODE ? pack(member, packing)
+                                                              : reinterpret_cast<PackedMember>(member) |
+                                                                    static_cast<PackedMember>(member->type);
     }
-    return packed;
+    return reinterpret_cast<PackedMember>(packed) | BOUNDING_NODE |
+           static_cast<PackedMember>(members.folded << 4);
 }
 
 void packTree()
@@ -76,6 +112,6 @@ void packTree()
 
 void releasePackedTree()
 {
-    free(const_cast<PackedNode*>(packedRoot));
-    packedRoot = nullptr;
+    free(const_cast<PackedNode*>(memberNode(packedRoot)));
+    packedRoot = 0;
 }

@@ -35,8 +35,11 @@
 // it.
 //
 // The heap may also run over, which ends the render. It never holds more entries than one plus, for every
-// node that it opens, the members that pass less one. It opens no node that this walk did not, so
-//   (3) that sum over the nodes opened here, with the limit of the call, stays below the size of the queue
+// node that it opens, the members that pass less one. It opens no node that this walk did not, and of a node
+// that was folded into another it holds one entry for a while. So
+//   (3) that sum over the nodes opened here, with the limit of the call and one for each folded node, stays
+//   below the
+//       size of the queue
 // proves that it does not run over. A ray that fails (1), (2) or (3) is traced by the heap.
 //
 // A shadow ray needs less: any object before the limit that passes the exact slab test is one that the heap
@@ -222,13 +225,13 @@ static Answer walk(const Ray& ray, double limit, const Object* exclude, const Ob
     float reachable = reachOf(best);
     int queued = 1; // the heap would hold at most so many entries
     Stack stack;
-    PackedMember member = memberOf(packedRoot, BOUNDING_NODE);
+    PackedMember member = packedRoot;
     do {
         while (memberType(member) == BOUNDING_NODE) {
             const PackedNode& node = *memberNode(member);
             Lanes keys;
             const int passing = enterMembers(node, lanes, &keys);
-            queued += gainOf[passing];
+            queued += gainOf[passing] + foldedNodes(member);
             const int mask = passing & lanesOf(keys <= reachable);
             if (stack.size > Stack::SIZE)
                 return Answer::UNSURE;
