@@ -77,8 +77,9 @@ static Members gatherMembers(const Object* node)
 static PackedMember pack(const Object* node, Packing* packing)
 {
     PackedNode* packed = packing->next++;
-    std::fill(packed->planes[0], packed->planes[3], INFINITE);
-    std::fill(packed->planes[3], packed->planes[6], -INFINITE);
+    for (int row = 0; row < 6; ++row)
+        for (float& plane : packed->planes[row])
+            plane = row < 3 ? INFINITE : -INFINITE;
     const Members members = gatherMembers(node);
     for (int lane = 0; lane < members.count; ++lane) {
         const Object* member = members.objects[lane];

@@ -102,7 +102,8 @@ static constexpr Option options[] = {
      .name = [](const char* name) { copyName(myDisplay.outputName, sizeof myDisplay.outputName, name); }},
     {.forms = {"-i", "--input"}, .name = setInput, .isInput = true},
     // Which camera this selects is the business of the model's import, which reads it in the first pass only.
-    {.forms = {"-c", "--camera"}, .number = [](int value) { iCameraIndex = static_cast<int>(static_cast<unsigned>(value) + 1U); }},
+    {.forms = {"-c", "--camera"},
+     .number = [](int value) { iCameraIndex = static_cast<int>(static_cast<unsigned>(value) + 1U); }},
     {.forms = {"-3ds", "--3ds"},
      .name =
          [](const char* name) {
