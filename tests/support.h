@@ -4,13 +4,11 @@
 #include "scene/parser.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -20,7 +18,8 @@
 /// Gives every global that a scene or the command line changes its start value.
 inline void resetScene()
 {
-    static auto& kept = *new std::vector<Object*>; // primitives live to the end, as in the program
+    static auto& kept = *new std::vector<Object*>; // primitives live to the end,
+                                                   // as in the program
     kept.push_back(myObjectList);
     freeList(&myLightList);
     freeColorList(&myColorList);
@@ -49,15 +48,11 @@ struct SceneTest : testing::Test {
     {
         resetScene();
     }
-    ~SceneTest() override
-    {
-        resetScene();
-    }
 };
 
 inline void expectNear(Vec actual, Vec expected)
 {
-    EXPECT_LE(lengthOf(actual - expected), 1e-15) << actual.x << " " << actual.y << " " << actual.z;
+    EXPECT_LE(lengthOf(actual - expected), 1e-12) << actual.x << " " << actual.y << " " << actual.z;
 }
 
 inline void expectColor(Color actual, Color expected)
@@ -65,8 +60,14 @@ inline void expectColor(Color actual, Color expected)
     expectNear({actual.red, actual.green, actual.blue}, {expected.red, expected.green, expected.blue});
 }
 
+/// Vertices that a record can take over.
+inline Vec* onHeap(const std::vector<Vec>& points)
+{
+    return std::copy(points.begin(), points.end(), new Vec[points.size()]) - points.size();
+}
+
 /// The lines of a table with their cells, which stand between bars; ~ stands for a line end in a cell.
-inline std::vector<std::vector<std::string>> rowsOf(const char* table)
+inline std::vector<std::vector<std::string>> rowsOf(const std::string& table)
 {
     std::vector<std::vector<std::string>> rows;
     std::istringstream lines(table);
@@ -97,12 +98,10 @@ inline std::string printed(const std::function<void()>& body)
     return testing::internal::GetCapturedStdout();
 }
 
-/// `text` as a stream, given to `read`.
-inline void readText(const std::string& text, const std::function<void(FILE*)>& read)
+/// `text` as a stream. The tests leave it open.
+inline FILE* streamOf(const std::string& text)
 {
-    FILE* stream = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
-    read(stream);
-    fclose(stream);
+    return fmemopen(const_cast<char*>(text.data()), text.size(), "r");
 }
 
 /// How many random numbers `body` draws.
@@ -129,12 +128,12 @@ struct Folder {
     {
         std::filesystem::remove_all(path);
     }
-    std::string write(const char* name, const std::string& text) const
+    std::string write(const std::string& name, const std::string& text) const
     {
         std::ofstream(path + "/" + name) << text;
         return path + "/" + name;
     }
-    std::string read(const char* name) const
+    std::string read(const std::string& name) const
     {
         std::ifstream file(path + "/" + name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
@@ -150,23 +149,17 @@ struct Outcome {
 /// Runs `body` in a process of its own, which ends with status 0 if it returns.
 inline Outcome inChild(const std::function<void()>& body)
 {
-    FILE* files[] = {tmpfile(), tmpfile()};
+    const Folder folder;
     fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        dup2(fileno(files[0]), STDOUT_FILENO);
-        dup2(fileno(files[1]), STDERR_FILENO);
+        EXPECT_TRUE(freopen((folder.path + "/out").c_str(), "w", stdout));
+        EXPECT_TRUE(freopen((folder.path + "/err").c_str(), "w", stderr));
         body();
         exit(0);
     }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
-    std::string texts[2];
-    for (int i = 0; i < 2; ++i) {
-        rewind(files[i]);
-        for (int c = getc(files[i]); c != EOF; c = getc(files[i]))
-            texts[i] += static_cast<char>(c);
-        fclose(files[i]);
-    }
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), texts[0], texts[1]};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), folder.read("out"),
+            folder.read("err")};
 }

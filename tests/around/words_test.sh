@@ -1,6 +1,5 @@
 #!/bin/sh
-# The words of the manual pages and the editors, held against the tables of the program, and what Vim makes of
-# them.
+# The words of the manual pages and the editors, held against the tables of the program.
 set -eu
 export LC_ALL=C
 cd -- "$(dirname -- "$0")/../.."
@@ -41,37 +40,4 @@ list statement varloStatement keyword.control.varlo
 list parameter varloParameter support.type.property-name.varlo
 list reserved varloReserved invalid.illegal.reserved.varlo
 
-# Vim itself, over the examples and one text with each fault. It prints what it highlights as an error.
-if ! vim --version 2>/dev/null | grep -q '+syntax'; then
-    echo 'no vim with syntax highlighting: its part is skipped'
-    exit $status
-fi
-cat >"$work/faults.vlo" <<'END_OF_FAULTS'
-colour , move modify output_name "a/b" """ [ , ] "x.y" ; ,
-END_OF_FAULTS
-cat >"$work/errors.vim" <<'END_OF_VIM'
-set nocompatible encoding=utf-8
-let &runtimepath = 'editors/vim,' . $VIMRUNTIME
-filetype on
-syntax on
-for s:file in argv()
-    execute 'edit' fnameescape(s:file)
-    for s:line in range(1, line('$'))
-        for s:column in range(1, col([s:line, '$']) - 1)
-            let s:group = synIDattr(synIDtrans(synID(s:line, s:column, 1)), 'name')
-            if &syntax !=# 'varlo' || s:group ==# 'Error'
-                call writefile([s:file . ':' . s:line . ': ' . getline(s:line)[s:column - 1]], $ERRORS, 'a')
-            endif
-        endfor
-    endfor
-endfor
-quitall!
-END_OF_VIM
-errors() { # FILE...
-    ERRORS=$work/errors vim -es -u "$work/errors.vim" -i NONE -n "$@" </dev/null >/dev/null 2>&1 || true
-    cat "$work/errors" 2>/dev/null || true
-    rm -f "$work/errors"
-}
-same 'the examples' '' "$(errors examples/*.vlo)"
-same 'the text with faults' 'colour,movemodify/' "$(errors "$work/faults.vlo" | sed 's/.*: //' | tr -d '\n')"
 exit $status

@@ -2,11 +2,20 @@
 
 #include "bounds/bound.h"
 #include "bounds/packed.h"
-#include "bounds/random_scene.h"
+#include "primitives/cone.h"
+#include "primitives/patch.h"
+#include "primitives/plane.h"
+#include "primitives/polygon.h"
+#include "primitives/ring.h"
+#include "primitives/sphere.h"
+#include "primitives/triangle.h"
 #include "support.h"
 
-namespace
-{
+#include <random>
+
+static constexpr Vec O = {0, 0, 0}, Z = {0, 0, 1};
+static std::minstd_rand engine;            // the same numbers in every run
+static std::vector<const Object*> objects; // without the nodes above them
 
 struct IntersectTest : SceneTest {
     ~IntersectTest() override
@@ -17,7 +26,7 @@ struct IntersectTest : SceneTest {
 
 TEST_F(IntersectTest, SlabsHoldTheirLimits)
 {
-    constexpr double REFUSED = -1000.0;
+    constexpr double REFUSED = -1000.0, ORIGIN[3] = {};
     const double nearer = std::nextafter(EPSILON, 0);
     const Vec slanted = {0.6, 0.64, 0.48}, alongX = {1, 0, -0.0};
     const struct {
@@ -49,88 +58,167 @@ TEST_F(IntersectTest, SlabsHoldTheirLimits)
             node.boundsMax[axis] = coordinate(c.high, axis);
             direction[axis] = coordinate(c.direction, axis);
         }
-        constexpr double ORIGIN[3] = {};
         EXPECT_EQ(passesSlabs(&node, c.limit, ORIGIN, direction, &key), c.key != REFUSED);
         EXPECT_EQ(key, c.key);
     }
 }
 
-/// Sends a ray on each way through the tree. Returns the hit of the heap, with no object if there is none.
-Hit compareWays(const Ray& ray, double limit, const Object* exclude)
+static int below(int end)
+{
+    return static_cast<int>(engine() % static_cast<unsigned>(end));
+}
+
+static double in(double low, double high)
+{
+    return low + (high - low) * (below(1 << 30) + 0.5) / (1 << 30);
+}
+
+static Vec point(double size)
+{
+    const double x = in(-size, size), y = in(-size, size);
+    return {x, y, in(-size, size)};
+}
+
+static Object* addFace(Vec corner, Vec side, Vec otherSide)
+{
+    return makePolygon(onHeap({corner, corner + side, corner + side + otherSide, corner + otherSide}), 4);
+}
+
+/// Adds an object of any kind but a plane.
+static void addAny(Vec center, double size)
+{
+    const Vec a = center + point(size), b = center + point(size), c = center + point(size);
+    const double r = in(0.2, 0.5) * size, s = below(2) * in(0, 0.5) * size;
+    Vec corners[] = {a, point(1), b, point(1), c, point(1)};
+    const int kind = below(6);
+    kind == 0   ? makeSphere(center, r)
+    : kind == 1 ? makeRing(center, a - b, std::min(r, s), std::max(r, s))
+    : kind == 2 ? makeTriangle(onHeap({a, b, c}))
+    : kind == 3 ? addFace(a, b - a, c - a)
+    : kind == 4 ? makeCone(a, r, b, below(2) == 0 ? s : r)
+                : makePatch(corners);
+}
+
+/// Adds six polygons square to the axes. Boxes stand beside and inside each other, with faces in common.
+static void addBox()
+{
+    const Vec low = {1.0 * below(5), 1.0 * below(5), 1.0 * below(5)};
+    const Vec sides[] = {{1.0 + below(3), 0, 0}, {0, 1.0 + below(3), 0}, {0, 0, 1}};
+    for (int i = 0; i < 3; ++i) {
+        addFace(low, sides[i], sides[(i + 1) % 3]);
+        addFace(low + sides[(i + 2) % 3], sides[i], sides[(i + 1) % 3]);
+    }
+}
+
+/// Adds two patches with a common edge, which begins at the origin.
+static void addPair()
+{
+    const Vec a = point(5), b = point(5);
+    for (const Vec& c : {b, a - b}) {
+        Vec corners[] = {O, Z, a, point(1), c, point(1)};
+        makePatch(corners);
+    }
+}
+
+static void addBent()
+{
+    makePolygon(onHeap({point(3), point(3), point(3), point(3)}), 4);
+}
+
+static const struct SceneKind {
+    const char* name;
+    void (*add)();          // one object or a small group
+    bool isEnclosed = true; // no hit lies outside the bounds of its object
+} kinds[] = {
+    {"spread small objects", [] { addAny(point(6), 0.8); }},
+    {"overlapping big objects", [] { addAny(point(2), 4.0); }},
+    {"pairs of patches", addPair},
+    {"boxes", addBox},
+    {"planes", [] { below(6) == 0 ? makePlane(point(1), in(1, 6)) : makeSphere(point(5), in(0.2, 1)); }},
+    {"every object twice", [] { engine.seed(7U + unsigned(nPrims) / 2), addAny(point(3), 2.0); }},
+    {"bent polygons", addBent, false},
+    {"spheres in spheres", [] { makeSphere(O, 0.25 * (1 + below(16))); }},
+    {"tubes in tubes", [] { makeCone(-4 * Z, 0.25 * (1 + below(16)), 4 * Z, 1); }},
+};
+
+/// Fills the scene, up to its tree.
+static void addObjects(const SceneKind& kind, int count)
+{
+    resetScene();
+    objects.clear();
+    while (nPrims < count)
+        kind.add();
+    for (const Object* object = myObjectList; object != nullptr; object = object->next)
+        objects.push_back(object);
+    buildBoundingSlabs();
+}
+
+/// A ray through the neighbourhood of those scenes. Now and then it runs along an axis.
+static Ray randomRay()
+{
+    const Vec origin = point(8);
+    if (below(8) == 0)
+        return {origin, (below(2) == 0 ? 1.0 : -1.0) * Slab[below(3)]};
+    return {origin, unit(below(4) == 0 ? point(1) : point(3) - origin)};
+}
+
+/// Sends a ray on each way through the tree and, if `loops`, past all objects one by one.
+static Hit compareWays(const Ray& ray, double limit, const Object* exclude, bool loops)
 {
     Hit byHeap{}, hit{};
     const int found = intersectByHeap(&ray, limit, &byHeap, exclude);
     EXPECT_EQ(intersect(&ray, limit, &hit, exclude), found);
     EXPECT_EQ(isBlocked(&ray, limit, exclude), found != 0);
     if (!found)
-        return {};
+        byHeap = hit = {};
     EXPECT_EQ(hit.object, byHeap.object); // of several at one distance too
     EXPECT_EQ(hit.distance, byHeap.distance);
     EXPECT_EQ(hit.entering, byHeap.entering);
-    return byHeap;
-}
-
-/// Holds a hit, or a miss, against a loop over all objects.
-void expectNearest(const std::vector<const Object*>& objects, const Ray& ray, double limit,
-                   const Object* exclude, const Hit& hit)
-{
     double nearest = limit;
-    bool isReached = hit.object == nullptr;
     for (const Object* object : objects) {
         Hit alone;
-        if (object == exclude || !object->ObjectIntersect(object, &ray, &alone))
-            continue;
-        nearest = std::min(nearest, alone.distance);
-        isReached = isReached || (object == hit.object && alone.distance == hit.distance);
+        if (loops && object != exclude && object->ObjectIntersect(object, &ray, &alone))
+            nearest = std::min(nearest, alone.distance);
     }
-    EXPECT_TRUE(isReached);
-    EXPECT_EQ(hit.object != nullptr ? hit.distance : limit, nearest);
+    EXPECT_TRUE(!loops || (found ? hit.distance : limit) == nearest);
+    Hit again;
+    EXPECT_TRUE(!found || byHeap.object->ObjectIntersect(byHeap.object, &ray, &again));
+    EXPECT_TRUE(!found || again.distance == byHeap.distance);
+    return byHeap;
 }
 
 TEST_F(IntersectTest, AgreesWithALoopOverAllObjects)
 {
-    for (const SceneKind& kind : SCENE_KINDS) {
+    for (const SceneKind& kind : kinds) {
         for (const int count : {2, 6, 30, 120}) {
             SCOPED_TRACE(kind.name);
-            releasePackedTree();
-            resetScene();
+            addObjects(kind, count);
             iPQSize = 1024;
-            Random random;
-            const std::vector<const Object*> objects = addObjects(kind, count, random);
-            buildBoundingSlabs();
             packTree();
-            for (int i = 0; i < 8000 && !HasFailure(); ++i) {
-                const Ray ray = randomRay(random);
-                const Hit hit = compareWays(ray, NO_LIMIT, nullptr);
-                const Vec point = ray.origin + hit.distance * ray.direction;
-                const Vec toLight = random.point(6) - point;
-                const Ray shadowRay = {point, unit(toLight)}; // as from a hit, which does not block it
-                const Hit blocker = compareWays(shadowRay, lengthOf(toLight), hit.object);
-                if (!kind.isEnclosed)
-                    continue;
-                expectNearest(objects, ray, NO_LIMIT, nullptr, hit);
-                expectNearest(objects, shadowRay, lengthOf(toLight), hit.object, blocker);
+            for (int i = 0; i < 3000 && !HasFailure(); ++i) {
+                const Ray ray = randomRay();
+                const Hit hit = compareWays(ray, NO_LIMIT, nullptr, kind.isEnclosed);
+                const Vec start = ray.origin + hit.distance * ray.direction;
+                const Vec toLight = point(6) - start;
+                const Ray shadowRay = {start, unit(toLight)}; // as from a hit, which does not block it
+                compareWays(shadowRay, lengthOf(toLight), hit.object, kind.isEnclosed);
             }
+            releasePackedTree();
         }
     }
 }
 
 TEST_F(IntersectTest, RunsOverOnTheSameRays)
 {
-    Random random;
-    addObjects(SCENE_KINDS[1], 300, random);
-    buildBoundingSlabs();
+    addObjects(kinds[1], 300);
     int statuses[2] = {};
     for (int i = 0; i < 30; ++i) {
         iPQSize = 10 + 2 * i;
         packTree();
-        const Ray ray = randomRay(random);
-        const auto statusOf = [&](auto way) {
-            Hit hit;
-            return inChild([&] { way(&ray, NO_LIMIT, &hit, nullptr); }).status;
-        };
-        const int status = statusOf(intersectByHeap);
-        EXPECT_EQ(statusOf(intersect), status);
+        const Ray ray = randomRay();
+        Hit hit;
+        const int status = inChild([&] { intersectByHeap(&ray, NO_LIMIT, &hit, nullptr); }).status;
+        EXPECT_EQ(inChild([&] { intersect(&ray, NO_LIMIT, &hit, nullptr); }).status, status);
         ASSERT_LE(status, 1);
         ++statuses[status];
     }
@@ -140,29 +228,21 @@ TEST_F(IntersectTest, RunsOverOnTheSameRays)
 TEST_F(IntersectTest, FewObjectsAndNoNumbers)
 {
     const Ray ray = {{0, 0, 5}, {0, 0, -1}};
+    const SceneKind same = {"", [] { makeSphere({0, 0, 0}, 1.0); }};
     for (const int count : {0, 1, 2, 300}) {
         SCOPED_TRACE(count);
-        for (int i = 0; i < count; ++i)
-            makeSphere({0, 0, 0}, 1.0);
-        const Object* first = myObjectList;
-        buildBoundingSlabs();
+        addObjects(same, count);
         packTree();
+        const Object* first = count > 0 ? objects[0] : nullptr;
         Hit hit{};
         EXPECT_EQ(intersect(&ray, NO_LIMIT, &hit, nullptr), count > 0);
         EXPECT_TRUE(count > 2 || hit.object == first); // of two at one distance too
         // A single object knows neither limit nor exclude.
         EXPECT_EQ(intersect(&ray, 4.0, &hit, first), count == 1);
         EXPECT_EQ(isBlocked(&ray, 4.0, first), count == 1);
-        for (double Vec::*part : {&Vec::x, &Vec::y, &Vec::z}) {
-            Ray origin = ray, direction = ray;
-            origin.origin.*part = direction.direction.*part = NAN;
-            EXPECT_FALSE(intersect(&origin, NO_LIMIT, &hit, nullptr) || isBlocked(&origin, 9.0, nullptr));
-            EXPECT_FALSE(intersect(&direction, NO_LIMIT, &hit, nullptr) ||
-                         isBlocked(&direction, 9.0, nullptr));
-        }
+        for (const Vec& spoil : {Vec{NAN, 0, 0}, Vec{0, NAN, 0}, Vec{0, 0, NAN}})
+            for (const Ray& r : {Ray{ray.origin + spoil, ray.direction}, {ray.origin, ray.direction + spoil}})
+                EXPECT_FALSE(intersect(&r, NO_LIMIT, &hit, nullptr) || isBlocked(&r, 9.0, nullptr));
         releasePackedTree();
-        resetScene();
     }
 }
-
-} // namespace

@@ -10,40 +10,33 @@ TEST_F(TraceTest, BandsCoverEveryRowOnce)
                                 " The number of threads must be a multiplier of the height.\n";
     const struct {
         int height, threads;
-        std::vector<int> ends;
-        std::string output;
+        std::string ends, output;
     } cases[] = {
-        {10, 4, {2, 5, 7, 10}, warning + " Running 4 threads\n"},
-        {10, 2, {5, 10}, " Running 2 threads\n"},
-        {3, 8, {0, 0, 1, 1, 1, 2, 2, 3}, warning + " Running 8 threads\n"},
-        {2000000000, 2, {1000000000, 2000000000}, " Running 2 threads\n"},
-        {10, 3, {5, 10}, " Invalid number of threads: defaulting to 2 threads\n"},
+        {10, 4, "2 5 7 10", warning + " Running 4 threads\n"},
+        {10, 2, "5 10", " Running 2 threads\n"},
+        {3, 8, "0 0 1 1 1 2 2 3", warning + " Running 8 threads\n"},
+        {2000000000, 2, "1000000000 2000000000", " Running 2 threads\n"},
+        {10, 3, "5 10", " Invalid number of threads: defaulting to 2 threads\n"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.threads);
         myDisplay.height = c.height;
         EXPECT_EQ(printed([&c] { initMTBounds(c.threads); }), c.output);
-        for (size_t i = 0; i < c.ends.size(); ++i) {
-            EXPECT_EQ(iBounds[i].first, i == 0 ? 0 : c.ends[i - 1]);
-            EXPECT_EQ(iBounds[i].end, c.ends[i]);
-        }
+        std::istringstream ends(c.ends);
+        for (int i = 0, first = 0, end = 0; ends >> end; ++i, first = end)
+            EXPECT_TRUE(iBounds[i].first == first && iBounds[i].end == end) << c.output << end;
     }
 }
 
 TEST_F(TraceTest, ProgressBar)
 {
-    const struct {
-        int height;
-        size_t dashes, marks;
-    } cases[] = {{10, 54, 10}, {200, 54, 10}, {109, 60, 11}, {25, 60, 13}, {9, 60, 9}, {1, 60, 1}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.height);
-        myDisplay.height = c.height;
-        EXPECT_EQ(printed(showProgressInit), "\n 0%" + std::string(c.dashes, '-') + "100%\n ");
-        const std::string marks = printed([&c] {
-            for (int row = c.height - 1; row >= 0; --row)
+    const size_t cases[][3] = {{200, 54, 10}, {109, 60, 11}, {25, 60, 13}, {9, 60, 9}, {1, 60, 1}};
+    for (const auto& [height, dashes, marks] : cases) {
+        myDisplay.height = static_cast<int>(height);
+        const std::string bar = printed([] {
+            showProgressInit();
+            for (int row = myDisplay.height - 1; row >= 0; --row)
                 showProgress(row);
         });
-        EXPECT_EQ(marks, std::string(6 * c.marks, '\xB1'));
+        EXPECT_EQ(bar, "\n 0%" + std::string(dashes, '-') + "100%\n " + std::string(6 * marks, '\xB1'));
     }
 }

@@ -31,6 +31,7 @@ static SurfaceAttrib skin;
 static Light lamp;
 static Color lampColor;
 static Vec normal;
+static constexpr Vec tilted = {0.6, 0, 0.8};
 
 static void tilt(double cosMaxAngle, double specular, int shadowType)
 {
@@ -49,30 +50,14 @@ static const struct {
     int draws = 0;
 } points[] = {
     {"diffuse", [] {}, {1, 0.5, 0.25}},
-    {"ambient",
-     [] {
-         skin = {.color = {1, 0.5, 0}, .ambient = 0.5};
-     },
-     {0.5, 0.25, 0}},
+    {"ambient", [] { skin.diffuse = 0, skin.ambient = 0.5; }, {0.5, 0.25, 0.125}},
     {"light below", [] { lamp.position.z = -2; }, {0, 0, 0}},
     {"light at the point", [] { lamp.position.z = 0; }, {0, 0, 0}},
     {"distance", [] { lamp.attenuation = BY_DISTANCE; }, {0.5, 0.25, 0.125}},
     {"its square", [] { lamp.attenuation = BY_SQUARED_DISTANCE; }, {0.25, 0.125, 0.0625}},
-    {"dim",
-     [] {
-         lamp.attenuation = 1, lampColor = {0.5, 0.25, 0.75};
-     },
-     {0.5, 0.125, 0.1875}},
-    {"brilliance 2",
-     [] {
-         skin.brilliance = 2, normal = {0.6, 0, 0.8};
-     },
-     {0.64, 0.32, 0.16}},
-    {"brilliance 1",
-     [] {
-         skin.brilliance = 1, normal = {0.6, 0, 0.8};
-     },
-     {0.8, 0.4, 0.2}},
+    {"dim", [] { lamp.attenuation = 1, lampColor.green = 0.5; }, {0.5, 0.125, 0.125}},
+    {"brilliance 2", [] { skin.brilliance = 2, normal = tilted; }, {0.64, 0.32, 0.16}},
+    {"brilliance 1", [] { skin.brilliance = 1, normal = tilted; }, {0.8, 0.4, 0.2}},
     {"spot", [] { lamp.lightType = SPOT_LIGHT; }, {1, 0.5, 0.25}},
     {"edge of the spot", [] { tilt(0.5, 0, SHARP_SHADOW); }, {0.4, 0.2, 0.1}},
     {"limit of the spot", [] { tilt(0.6, 0, SMOOTH_SHADOW); }, {0, 0, 0}, 12},
@@ -84,21 +69,9 @@ static const struct {
     {"fuzzy", [] { skin = {.reflection = 0.5, .reflectionType = 1}; }, {0.25, 0.25, 0.5}, 30},
     {"no ray", [] { skin = {.reflection = 1, .reflectionType = 1, .reflectionSamples = 0}; }, {0, 0, 0}},
     {"opaque", [] { skin = {.refraction = 1}; }, {0, 0, 0}},
-    {"endless",
-     [] {
-         skin = {.color = {1, 0.9, 1}, .refraction = 1, .refractionIndex = 1.1};
-     },
-     {0.5, 0, 1}},
-    {"haze",
-     [] {
-         myHaze = {0.5, {0, 0, 1}};
-     },
-     {0.25, 0.125, 0.8125}},
-    {"too much haze",
-     [] {
-         myHaze = {1.5, {0, 0, 2}};
-     },
-     {0, 0, 2}},
+    {"endless", [] { skin.diffuse = 0, skin.refraction = 1, skin.refractionIndex = 1.1; }, {0.5, 0, 0}},
+    {"haze", [] { myHaze.factor = 0.5; }, {0.25, 0.125, 0.8125}},
+    {"too much haze", [] { myHaze.factor = 1.5; }, {0, 0, 1}},
 };
 
 TEST_F(ShadeTest, OnePointUnderOneLight)
@@ -107,6 +80,7 @@ TEST_F(ShadeTest, OnePointUnderOneLight)
         SCOPED_TRACE(c.name);
         resetScene();
         myBackGroundColor = {0.5, 0.5, 5}; // limited to 1 on its way
+        myHaze.color.blue = 1;
         skin = {.color = {1, 0.5, 0.25}, .diffuse = 1};
         lamp = {{0, 0, 2}, {0, 0, -1}, POINT_LIGHT, SHARP_SHADOW, NO_ATTENUATION, 4, 0.1, 0.75, 0.5};
         lampColor = {1, 1, 1};

@@ -1,13 +1,13 @@
 #include "support.h"
 
-struct BlocksTest : SceneTest {
-    Folder folder;
-    void parse(const std::string& text)
-    {
-        const std::string file = folder.write("scene", text);
-        printed([&file] { parseScene(file.c_str()); });
-    }
-};
+using BlocksTest = SceneTest;
+
+/// What it prints on standard output.
+static std::string parse(const std::string& text)
+{
+    const Folder folder;
+    return printed([&] { parseScene(folder.write("scene", text).c_str()); });
+}
 
 // The text up to the token at fault, what is printed of it, and the message if that is not all.
 static const char* const faults = R"(sphere <| Opening bracket '{' expected
@@ -84,14 +84,14 @@ surface { color #a } declare "a" color 1 1 1| Color declaration not found
 modify| Unkown term|~ Scene parser returned error: 1000 'modify'~
 ~move| Unkown term|~ Scene parser returned error: 0 'move'~
 {| Unkown term|~ Scene parser returned error: 10 ''~
-1.5| Unkown term|~ Scene parser returned error: 1 '1.5'~)";
+1.5| Unkown term|~ Scene parser returned error: 1 '1.5'~
+declare ")";
 
 TEST_F(BlocksTest, Faults)
 {
-    auto rows = rowsOf(faults);
-    rows.push_back({"declare \"" + std::string(64, 'a') + "\"", " declared name too long"});
-    for (const auto& row : rows) {
+    for (const auto& row : rowsOf(faults + std::string(64, 'a') + "\"| declared name too long")) {
         SCOPED_TRACE(row[0]);
+        const Folder folder;
         const std::string file = folder.write("scene", row[0]);
         const Outcome outcome = inChild([&file] { parseScene(file.c_str()); });
         const auto line = 1 + std::count(row[0].begin(), row[0].end(), '\n');
@@ -101,59 +101,46 @@ TEST_F(BlocksTest, Faults)
     }
 }
 
-static std::string lineOf(const SurfaceAttrib& s)
-{
-    return line(s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse, s.brilliance, s.specular,
-                s.roughness, s.reflection, s.refraction, s.refractionIndex, s.reflectionRadius,
-                s.reflectionSamples, s.reflectionType);
-}
-
 TEST_F(BlocksTest, ObjectsKeepWhatTheirBlocksSay)
 {
-    parse(
-        "sphere { radius 2 center <1 2 3> } declare \"a\" color 9 9 9 declare \"a\" color 0.5 0.25 1"
-        " surface { color #a ambient 1 diffuse 2 brilliance 3 specular 4 roughness 5 reflection 6 refraction "
-        "9"
-        " reflection_type \"fuzzy\" reflection_samples 7.5 reflection_radius 8 refraction_index 10 }"
-        "plane { distance 2 normal <0 0 4> }"
-        "ring { internal_radius 2 external_radius 1 normal <0 2 0> center <1 1 1> }"
-        "disc { radius 3 normal <2 0 0> center <4 5 6> }"
-        "cylinder { radius 1 cap <0 0 3> base <0 0 1> }"
-        "cone { base_radius 0 cap_radius 2 base <0 0 0> cap <4 0 0> }"
-        "triangle { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> }"
-        "polygon { 4.9 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> vertex <0 5 0> }"
-        "patch { normal <0 0 1> normal <0 3 4> vertex <0 0 0> normal <3 0 4> vertex <1 0 0> vertex <0 1 0> }"
-        "surface { refraction_index 0.5 color 1 1 0 } smooth_triangle { vertex <0 0 0> normal <0 0 1>"
-        " vertex <1 0 0> normal <0 0 1> vertex <0 1 0> normal <0 0 1> }");
-    EXPECT_EQ(
-        printed([] { EXPECT_EQ(printList(myObjectList), 10); }),
-        "patch\npatch\npolygon\ntriangle\nCone: 0 0 0 0 4 0 0 2\nCone: 0 0 1 1 0 0 3 1\n"
-        "Ring: Nx = 1, Ny = 0, Nz = 0\n Cx = 4, Cy = 5, Cz = 6\n"
-        "Ring: Nx = 0, Ny = 1, Nz = 0\n Cx = 1, Cy = 1, Cz = 1\nPlane: Nx = -0, Ny = -0, Nz = -1, D = 2\n"
-        "Sphere: Cx = 1, Cy = 2, Cz = 3, R = 2\n");
-    const Object* last = myObjectList;
-    const Object *patch = last->next, *polygon = patch->next, *triangle = polygon->next;
-    const Object *disc = triangle->next->next->next, *ring = disc->next;
-    EXPECT_EQ(line(ring->ring.innerSquared, ring->ring.outerSquared), "1 4 ");
-    EXPECT_EQ(line(disc->ring.innerSquared, disc->ring.outerSquared), "0 9 ");
+    parse(R"(sphere { radius 2 center <1 2 3> } declare "a" color 9 9 9 declare "a" color 0.5 0.25 1
+        surface { color #a ambient 1 diffuse 2 brilliance 3 specular 4 roughness 5 reflection 6 refraction 9
+        reflection_type "fuzzy" reflection_samples 7.5 reflection_radius 8 refraction_index 10 }
+        plane { distance 2 normal <0 0 4> }
+        ring { internal_radius 2 external_radius 1 normal <0 2 0> center <1 1 1> }
+        disc { radius 3 normal <2 0 0> center <4 5 6> }
+        cylinder { radius 1 cap <0 0 3> base <0 0 1> }
+        cone { base_radius 0 cap_radius 2 base <0 0 0> cap <4 0 0> }
+        surface { refraction_index 0.5 color 1 1 0 }
+        patch { normal <0 0 1> normal <0 3 4> vertex <0 0 0> normal <3 0 4> vertex <1 0 0> vertex <0 1 0> })");
+    EXPECT_EQ(printed([] { printList(myObjectList); }),
+              "patch\nCone: 0 0 0 0 4 0 0 2\nCone: 0 0 1 1 0 0 3 1\n"
+              "Ring: Nx = 1, Ny = 0, Nz = 0\n Cx = 4, Cy = 5, Cz = 6\n"
+              "Ring: Nx = 0, Ny = 1, Nz = 0\n Cx = 1, Cy = 1, Cz = 1\n"
+              "Plane: Nx = -0, Ny = -0, Nz = -1, D = 2\nSphere: Cx = 1, Cy = 2, Cz = 3, R = 2\n");
+    const Object *patch = myObjectList, *disc = patch->next->next->next;
+    EXPECT_EQ(line(disc->next->ring.innerSquared, disc->next->ring.outerSquared, disc->ring.outerSquared),
+              "1 4 9 ");
     expectNear(patch->patch.vertices[1], {1, 0, 0});
     expectNear(patch->patch.normals[1], {0, 0.6, 0.8});
     expectNear(patch->patch.normals[2], {0.6, 0, 0.8});
-    EXPECT_EQ(polygon->polygon.vertexCount, 4);
-    expectNear(polygon->polygon.vertices[3], {0, 5, 0});
-    expectNear(triangle->triangle.vertices[2], {0, 1, 0});
-    EXPECT_EQ(lineOf(last->surface), "1 1 0 0 0 0 0 0 0 0 1 1 10 0 ");
-    const Object* object = patch;
-    for (; object->next != nullptr; object = object->next)
-        EXPECT_EQ(lineOf(object->surface), "0.5 0.25 1 1 2 3 4 5 6 9 10 8 7 1 ");
-    EXPECT_EQ(lineOf(object->surface), "0 0 0 0 0 0 0 0 0 0 1 1 10 0 ");
+    std::string surfaces;
+    for (const Object* object : {patch, disc, static_cast<const Object*>(disc->next->next->next)}) {
+        const SurfaceAttrib& s = object->surface;
+        surfaces += line(s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse, s.brilliance,
+                         s.specular, s.roughness, s.reflection, s.refraction, s.refractionIndex,
+                         s.reflectionRadius, s.reflectionSamples, s.reflectionType) +
+                    "\n";
+    }
+    EXPECT_EQ(surfaces, "1 1 0 0 0 0 0 0 0 0 1 1 10 0 \n0.5 0.25 1 1 2 3 4 5 6 9 10 8 7 1 \n"
+                        "0 0 0 0 0 0 0 0 0 0 1 1 10 0 \n");
 }
 
 TEST_F(BlocksTest, Lights)
 {
-    parse("light { position <0 0 9> color 2 2 2 light_samples 3 samples 4 }"
-          "light { color 1 1 1 light_type \"spot\" target <0 0 -5> radius 2 samples 6 shadow_type \"smooth\""
-          " attenuation_type \"d\" min_angle 120 max_angle 90 position <0 0 5> }");
+    parse(R"(light { position <0 0 9> color 2 2 2 light_samples 3 samples 4 }
+        light { color 1 1 1 light_type "spot" target <0 0 -5> radius 2 samples 6 shadow_type "smooth"
+        attenuation_type "d" min_angle 120 max_angle 90 position <0 0 5> })");
     const auto lineOfLight = [](const Light& l) {
         return line(l.lightType, l.attenuation, l.shadowType, l.samples, l.radius, l.cosMinAngle,
                     l.cosMaxAngle);
@@ -168,32 +155,32 @@ TEST_F(BlocksTest, Lights)
 
 TEST_F(BlocksTest, LaterBlocksStartAnew)
 {
-    const auto camera = [] {
+    const auto camera = [](const char* words) {
+        parse(words);
         const ViewPoint& v = myViewPoint;
         return line(v.position.x, v.lookAt.x, v.up.y, v.up.z, v.fovX, v.ratio, v.aperture, v.focalLength,
                     v.samples, v.projection);
     };
-    parse("camera { position <1 2 3> look_at <4 5 6> up <0 1 0> fov 90 ratio 2 aperture 3 camera_samples 5"
-          " focal_point <1 6 6> projection_type \"fisheye\" }");
-    EXPECT_EQ(camera(), "1 4 1 0 0.785398 2 3 5 5 1 ");
-    parse("camera { position <7 8 9> look_at <2 1 1> }");
-    EXPECT_EQ(camera(), "7 2 0 1 0.392699 1.33333 0 10 16 0 ");
+    EXPECT_EQ(camera(R"(camera { position <1 2 3> look_at <4 5 6> up <0 1 0> fov 90 ratio 2 aperture 3
+        camera_samples 5 focal_point <1 6 6> projection_type "fisheye" })"),
+              "1 4 1 0 0.785398 2 3 5 5 1 ");
+    EXPECT_EQ(camera("camera { position <7 8 9> look_at <2 1 1> }"), "7 2 0 1 0.392699 1.33333 0 10 16 0 ");
 
-    const auto settings = [] {
+    const auto settings = [](const std::string& words) {
+        parse("settings { output_name " + words + " }");
         return line(myDisplay.width, myDisplay.height, iImageType, jitter, iAntialias, adapt_dist,
                     myHaze.factor, myHaze.color.blue, myBackGroundColor.green, jpeg_quality,
                     myDisplay.outputName);
     };
-    parse(
-        "settings { resolution 5 6.9 output_type \"tiff\" output_name \"x\" aa_jitter \"yes\" jpeg_quality 7"
-        " antialiasing \"adaptive\" aa_distance 2.5 haze_color 4 5 -6 haze_factor 0.5 background 1 2 3 }");
-    EXPECT_EQ(settings(), "5 6 5 1 2 2 0.5 -6 2 7 x ");
-    for (const auto& [text, quality] : {std::pair{"", "7"},
-                                        {"jpeg_quality 0", "90"},
-                                        {"jpeg_quality -5", "90"},
-                                        {"jpeg_quality 101", "100"},
-                                        {"jpeg_quality 1", "1"}}) {
-        parse("settings { output_type \"ppm\" output_name \"\"\" " + std::string(text) + " }");
-        EXPECT_EQ(settings(), line("320 240 2 0 0 64 0 0 0", quality, ""));
-    }
+    EXPECT_EQ(
+        settings(R"("x" resolution 5 6.9 output_type "tiff" aa_jitter "yes" jpeg_quality 7 haze_factor 0.5
+        antialiasing "adaptive" aa_distance 2.5 haze_color 4 5 -6 background 1 2 3)"),
+        "5 6 5 1 2 2 0.5 -6 2 7 x ");
+    for (const auto& [words, quality] : {std::pair{"", "7"},
+                                         {"jpeg_quality 0", "90"},
+                                         {"jpeg_quality -5", "90"},
+                                         {"jpeg_quality 101", "100"},
+                                         {"jpeg_quality 1", "1"}})
+        EXPECT_EQ(settings("\"\"\" output_type \"ppm\" " + std::string(words)),
+                  line("320 240 2 0 0 64 0 0 0", quality, ""));
 }
