@@ -84,6 +84,18 @@ static bool isNoRay(const Ray* ray)
     return std::isnan(sum.x + sum.y + sum.z);
 }
 
+/// In builds with VARLO_CHECK_WALKS: ends the process unless the heap gives the same answer. `nearest` is
+/// null for a shadow ray, of which only the answer itself counts.
+static void checkWalk(const Ray* ray, double limit, const Object* exclude, bool isHit, const Object* nearest)
+{
+    if constexpr (VARLO_CHECK_WALKS) {
+        Hit hit{};
+        const bool isHitByHeap = intersectByHeap(ray, limit, &hit, exclude) != 0;
+        if (isHit != isHitByHeap || (nearest != nullptr && nearest != hit.object))
+            fatal("The walk and the heap disagree\n");
+    }
+}
+
 int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
 {
     if (myObjectList == nullptr)
@@ -94,8 +106,10 @@ int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
         const Object* found;
         switch (walkToNearest(*ray, limit, exclude, &found)) {
         case Answer::NOTHING:
+            checkWalk(ray, limit, exclude, false, nullptr);
             return 0;
         case Answer::FOUND:
+            checkWalk(ray, limit, exclude, true, found);
             return found->ObjectIntersect(found, ray, hit); // the walk has only kept the distance
         case Answer::UNSURE:
             break;
@@ -109,8 +123,10 @@ bool isBlocked(const Ray* ray, double limit, const Object* exclude)
     if (packedRoot != 0) {
         const Object* found;
         const Answer answer = walkToAny(*ray, limit, exclude, &found);
-        if (answer != Answer::UNSURE)
+        if (answer != Answer::UNSURE) {
+            checkWalk(ray, limit, exclude, answer == Answer::FOUND, nullptr);
             return answer == Answer::FOUND;
+        }
     }
     Hit scratch;
     return intersect(ray, limit, &scratch, exclude) != 0;
