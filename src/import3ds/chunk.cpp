@@ -36,7 +36,8 @@ std::uint32_t bytesLeft(const Chunk* chunk)
 
 std::int64_t recordsLeft(std::uint32_t size)
 {
-    return (fileEnd - position) / size;
+    // Below 0 for a pipe, which has no end to seek, and for a file that grows meanwhile.
+    return std::max<std::int64_t>(0, (fileEnd - position) / size);
 }
 
 std::int64_t filePosition()

@@ -59,7 +59,7 @@ struct ModelLight {
     std::uint8_t rgb[3];
 };
 
-/// Starts zeroed. The arrays are on the heap, null while their count is 0; freeModel gives them back.
+/// Starts zeroed. The arrays are on the heap, null until they are read; freeModel gives them back.
 struct Model3DS {
     int numLights, numCameras, numObjects, numMaterials;
     ModelMaterial* materials;
