@@ -37,9 +37,7 @@
 // The heap may also run over, which ends the render. It never holds more entries than one plus, for every
 // node that it opens, the members that pass less one. It opens no node that this walk did not, and of a node
 // that was folded into another it holds one entry for a while. So
-//   (3) that sum over the nodes opened here, with the limit of the call and one for each folded node, stays
-//   below the
-//       size of the queue
+//   (3) that sum over the nodes opened here, plus the folded ones, stays below the size of the queue
 // proves that it does not run over. A ray that fails (1), (2) or (3) is traced by the heap.
 //
 // A shadow ray needs less: any object before the limit that passes the exact slab test is one that the heap
@@ -47,7 +45,8 @@
 //
 // The slab test here runs on four members at a time, in floats, which lets twice as many nodes into a cache.
 // Its errors go one way: it lets through whatever the heap would let through, with a key that is not above
-// the heap's.
+// the heap's. The slack for that is relative to the distance from the ray's origin to a plane and to the
+// coordinates of the origin, and so covers the rounding of the planes too.
 
 using Lanes = float __attribute__((vector_size(LANES * sizeof(float))));
 using LaneMask = int __attribute__((vector_size(LANES * sizeof(int))));
