@@ -28,26 +28,19 @@ static std::string textOf(const Object* list)
 
 TEST_F(BoundTest, TreeHasTheSettledShape)
 {
-    const struct {
-        const char* name;
-        std::vector<Vec> centers;
-        std::string tree;
-    } cases[] = {
-        {"none", {}, ""},
-        {"one stands bare", {{}}, "a"},
-        {"two in the order of the list", {{}, {1, 0, 0}}, "(ba)"},
-        {"four in one node", {{}, {9, 0, 0}, {}, {}}, "(dcba)"},
-        {"five of the same centre", {{}, {}, {}, {}, {}}, "((cde)(ba))"},
-        {"the mean itself is high", {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}}, "((cde)(ab))"},
-        {"equal spreads take x", {{0, 0, 0}, {0, 4, 0}, {4, 0, 0}, {4, 4, 0}, {4, 2, 0}}, "((cde)(ab))"},
-        {"widest along z", {{50, 0, 0}, {50, 4, 9}, {54, 0, 0}, {54, 4, 9}, {54, 2, 9}}, "((bde)(ac))"},
-        {"one far out stays bare", {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {99, 0, 0}}, "(e(abcd))"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        addSpheres(c.centers);
+    const std::pair<std::vector<Vec>, std::string> cases[] = {
+        {{}, ""},
+        {{{}}, "a"},                         // one stands bare
+        {{{}, {9, 0, 0}, {}, {}}, "(dcba)"}, // in the order of the list
+        {{{}, {}, {}, {}, {}}, "((cde)(ba))"},
+        {{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}}, "((cde)(ab))"}, // the mean itself is high
+        {{{0, 0, 0}, {0, 4, 0}, {4, 0, 0}, {4, 4, 0}, {4, 2, 0}}, "((cde)(ab))"}, // equal spreads take x
+        {{{50, 0, 0}, {50, 4, 9}, {54, 0, 0}, {54, 4, 9}, {54, 2, 9}}, "((bde)(ac))"}, // widest along z
+        {{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {99, 0, 0}}, "(e(abcd))"}}; // one far out stays bare
+    for (const auto& [centers, tree] : cases) {
+        addSpheres(centers);
         buildBoundingSlabs();
-        EXPECT_EQ(textOf(myObjectList), c.tree);
+        EXPECT_EQ(textOf(myObjectList), tree);
     }
 }
 

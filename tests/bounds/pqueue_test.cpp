@@ -8,29 +8,24 @@ static PQEntry queue[8];
 
 TEST_F(PriorityQueueTest, TiesComeOutInTheSettledOrder)
 {
-    const struct {
-        std::vector<double> keys;
-        std::string order; // in which they come out, the first inserted being a
-    } cases[] = {
-        {{3, 1, 2}, "bca"},
-        {{1, 1, 1, 1}, "adcb"}, // a stays on top, then the last one is put there and stays
-        {{0, 1, 1, 2}, "acbd"}, // of two equal children the right one rises
-        {{0, 2, 1, 2, 1}, "acebd"},
-    };
-    for (const auto& c : cases) {
+    // The keys, and the order in which they come out, the first inserted being a. Of several equal keys the
+    // top one stays, then the last one is put there and stays; of two equal children the right one rises.
+    const std::pair<std::vector<double>, std::string> cases[] = {
+        {{3, 1, 2}, "bca"}, {{1, 1, 1, 1}, "adcb"}, {{0, 1, 1, 2}, "acbd"}, {{0, 2, 1, 2, 1}, "acebd"}};
+    for (const auto& [keys, expected] : cases) {
         Object nodes[8];
         int count = 0;
-        for (size_t i = 0; i < c.keys.size(); ++i)
-            priorityQueueInsert(c.keys[i], &nodes[i], queue, &count);
+        for (size_t i = 0; i < keys.size(); ++i)
+            priorityQueueInsert(keys[i], &nodes[i], queue, &count);
         std::string order;
         while (count > 0) {
             double key;
             const Object* node;
             priorityQueueDelete(&key, &node, queue, &count);
             order += "abcde"[node - nodes];
-            EXPECT_EQ(key, c.keys[static_cast<size_t>(node - nodes)]);
+            EXPECT_EQ(key, keys[static_cast<size_t>(node - nodes)]);
         }
-        EXPECT_EQ(order, c.order);
+        EXPECT_EQ(order, expected);
     }
 }
 

@@ -17,8 +17,7 @@ struct SamplerTest : SceneTest {
     SamplerTest()
     {
         myViewPoint = {.position = {0, -3, 0}, .up = {0, 0, 1}, .fovX = PI / 8, .ratio = 1};
-        myDisplay.width = WIDTH;
-        myDisplay.height = HEIGHT;
+        myDisplay.width = WIDTH, myDisplay.height = HEIGHT;
         myBackGroundColor = {0.2, 0.4, 0.9};
         screenInit();
         makeLight({5, -9, 7}, {0.5, 0.25, 0.1}, POINT_LIGHT, NO_ATTENUATION, SHARP_SHADOW, 0, 0, 0, 0, {});
@@ -39,27 +38,24 @@ static Bytes sample(double x, double y)
     return {bytes[0], bytes[1], bytes[2]};
 }
 
-static Bytes meanOf(const Bytes (&four)[4])
+static Bytes meanOf(const Bytes& a, const Bytes& b, const Bytes& c, const Bytes& d)
 {
-    Bytes mean;
-    for (size_t i = 0; i < 3; ++i)
-        mean[i] = (four[0][i] + four[1][i] + four[2][i] + four[3][i]) >> 2;
-    return mean;
+    const auto mean = [&](size_t i) { return (a[i] + b[i] + c[i] + d[i]) >> 2; };
+    return {mean(0), mean(1), mean(2)};
 }
 
 /// The colour of a square by its definition, without any memory of samples.
 static Bytes adaptive(double x, double y, double size)
 {
-    const double right = x + size, low = y + size, half = size / 2;
+    const double right = x + size, low = y + size, h = size / 2;
     const Bytes corners[] = {sample(x, y), sample(right, y), sample(x, low), sample(right, low)};
-    const Bytes mean = meanOf(corners);
+    const Bytes mean = meanOf(corners[0], corners[1], corners[2], corners[3]);
     bool splits = false;
-    for (const Bytes& corner : corners)
-        for (size_t i = 0; i < 3; ++i)
-            splits = splits || std::abs(mean[i] - corner[i]) >= adapt_dist;
-    return splits && size > 0.25 ? meanOf({adaptive(x, y, half), adaptive(x + half, y, half),
-                                           adaptive(x, y + half, half), adaptive(x + half, y + half, half)})
-                                 : mean;
+    for (size_t i = 0; i < 12; ++i)
+        splits = splits || std::abs(mean[i % 3] - corners[i / 3][i % 3]) >= adapt_dist;
+    if (!splits || size <= 0.25)
+        return mean;
+    return meanOf(adaptive(x, y, h), adaptive(x + h, y, h), adaptive(x, y + h, h), adaptive(x + h, y + h, h));
 }
 
 /// The pixels that a sampler hands on from two bands.
@@ -89,57 +85,50 @@ static std::string pictureOf(const std::function<Bytes(int column, int row)>& pi
 
 TEST_F(SamplerTest, PicturesFollowTheirDefinitionWhateverTheBands)
 {
-    const auto plain = pictureOf([](int x, int y) { return sample(x + 0.5, y + 0.5); });
-    const auto corner = pictureOf([](int x, int y) {
-        return meanOf({sample(x + 0.5, y + 0.5), sample(x + 1.5, y + 0.5), sample(x + 0.5, y - 0.5),
-                       sample(x + 1.5, y - 0.5)});
-    });
+    const auto plain = [](int x, int y) { return sample(x + 0.5, y + 0.5); };
+    const auto corner = [&](int x, int y) {
+        return meanOf(plain(x, y), plain(x + 1, y), plain(x, y - 1), plain(x + 1, y - 1));
+    };
     for (const int rows : {0, 1, 4, HEIGHT}) {
-        SCOPED_TRACE(rows);
-        EXPECT_EQ(picture(scanNone, rows), plain);
-        EXPECT_EQ(picture(scanCorners, rows), corner);
-        for (const int distance : {-1, 1, 12, 40, 256}) {
-            SCOPED_TRACE(adapt_dist = distance);
-            EXPECT_EQ(picture(scanAdaptive, rows), pictureOf([](int x, int y) { return adaptive(x, y, 1); }));
+        EXPECT_EQ(picture(scanNone, rows), pictureOf(plain)) << rows;
+        EXPECT_EQ(picture(scanCorners, rows), pictureOf(corner)) << rows;
+        for (const int distance : {-1, 12, 40, 256}) {
+            adapt_dist = distance;
+            const auto square = pictureOf([](int x, int y) { return adaptive(x, y, 1); });
+            EXPECT_EQ(picture(scanAdaptive, rows), square) << rows << " " << distance;
         }
     }
 }
 
 TEST_F(SamplerTest, NoSampleIsTakenTwice)
 {
-    jitter = 1; // two random numbers for each sample
-    const auto samples = [](void* (*sampler)(void*), int rows) {
+    jitter = 1; // two random numbers for each sample, the first for y
+    srand(7);
+    const std::string moved = picture(scanNone, HEIGHT);
+    srand(7);
+    EXPECT_EQ(moved, pictureOf([](double x, double y) {
+                  y += rand() / 2147483647.0;
+                  return sample(x + rand() / 2147483647.0, y);
+              }));
+    constexpr int W = WIDTH, H = HEIGHT;
+    const auto samples = [](void* (*sampler)(void*), int rows, int distance) {
+        adapt_dist = distance;
         return drawsOf([=] { picture(sampler, rows); }) / 2;
     };
-    const int w = WIDTH, h = HEIGHT;
-    EXPECT_EQ(samples(scanNone, 2), w * h);
-    EXPECT_EQ(samples(scanCorners, 2), (w + 1) * (h + 2)); // a line above each band
-    EXPECT_EQ(samples(scanCorners, 0), (w + 1) * (h + 1)); // nothing for an empty band
-    adapt_dist = 256; // the left edge of each row is new, the top edge in the first row of a band
-    EXPECT_EQ(samples(scanAdaptive, h), (w + 1) * (h + 1) + h - 1);
-    EXPECT_EQ(samples(scanAdaptive, 2), (w + 1) * (h + 2) + h - 2);
-    adapt_dist = 0; // all 25 points of each pixel
-    EXPECT_EQ(samples(scanAdaptive, h), (4 * w + 1) * (4 * h + 1) + h - 1);
-}
-
-TEST_F(SamplerTest, JitterMovesYFirst)
-{
-    jitter = 1;
-    srand(7);
-    const std::string plain = picture(scanNone, HEIGHT);
-    srand(7);
-    EXPECT_EQ(plain, pictureOf([](int x, int y) {
-                  const double dy = rand() / 2147483647.0;
-                  return sample(x + rand() / 2147483647.0, y + dy);
-              }));
+    EXPECT_EQ(samples(scanNone, 2, 0), W * H);
+    EXPECT_EQ(samples(scanCorners, 2, 0), (W + 1) * (H + 2)); // a line above each band
+    EXPECT_EQ(samples(scanCorners, 0, 0), (W + 1) * (H + 1)); // nothing for an empty band
+    // The left edge of each row is new, the top edge in the first row of a band. Then all 25 points of each
+    // pixel.
+    EXPECT_EQ(samples(scanAdaptive, 2, 256), (W + 1) * (H + 2) + H - 2);
+    EXPECT_EQ(samples(scanAdaptive, H, 0), (4 * W + 1) * (4 * H + 1) + H - 1);
 }
 
 TEST(ToByte, KeepsTheLowBits)
 {
-    const std::pair<double, int> cases[] = {
-        {0.99, 0},       {254.99, 254},       {255, 255},        {256, 0},     {-0.9, 0},
-        {-1, 255},       {-128.5, 128},       {NAN, 0},          {1e300, 255}, {-1e300, 0},
-        {HUGE_VAL, 255}, {2147483646.0, 254}, {-2147483647.0, 1}};
+    const std::pair<double, int> cases[] = {{0.99, 0},   {254.99, 254},   {256, 0},          {-0.9, 0},
+                                            {-1, 255},   {-128.5, 128},   {NAN, 0},          {1e300, 255},
+                                            {-1e300, 0}, {HUGE_VAL, 255}, {-2147483647.0, 1}};
     for (const auto& [component, byte] : cases)
         EXPECT_EQ(toByte(component), byte) << component;
 }

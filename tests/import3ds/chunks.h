@@ -18,17 +18,13 @@ inline std::string chunk(std::uint16_t id, const std::string& content = "")
 {
     return shorts({id}) + numbers({static_cast<std::uint32_t>(6 + content.size())}) + content;
 }
-
 inline std::string material(const std::string& name, const std::string& rgb = "abc",
                             const std::string& more = "")
 {
     return chunk(0xAFFF, chunk(0xA000, name + '\0') + chunk(0xA020, chunk(0x0011, rgb)) + more);
 }
 
-const auto version = [](std::uint16_t number) { return chunk(0x0002, shorts({number, 0})); };
-const auto object = [](const std::string& content) {
-    return chunk(0x4000, std::string("thing") + '\0' + content);
-};
+const auto object = [](const std::string& content) { return chunk(0x4000, "thing" + ('\0' + content)); };
 const auto wears = [](const std::string& name) { return chunk(0x4130, name + '\0' + shorts({1, 0})); };
 
 inline const std::string CORNERS = chunk(0x4110, shorts({3}) + floats({0, 0, 0, 1, 0, 0, 0, 1, 0}));
@@ -37,9 +33,10 @@ inline const std::string SPOT = chunk(0x4610, floats({1, 2, 3, 4, 5}));
 inline const std::string LAMP =
     chunk(0x4600, floats({1, 2, 3}) + chunk(0x0010, floats({.1f, .5f, 1})) + SPOT);
 
-inline std::string file(const std::string& content)
+inline std::string file(const std::string& content, std::uint16_t version = 3)
 {
-    return chunk(0x4D4D, version(3) + chunk(0x3D3D, chunk(0x3D3E, shorts({3, 0})) + content));
+    const std::string ahead = chunk(0x0002, shorts({version, 0}));
+    return chunk(0x4D4D, ahead + chunk(0x3D3D, chunk(0x3D3E, shorts({3, 0})) + content));
 }
 
 /// One triangle; `more` stands in the chunk of the faces.
@@ -85,10 +82,8 @@ struct ModelTest : SceneTest {
     std::string counts() const
     {
         int vertices = 0, faces = 0;
-        for (int i = 0; i < model.numObjects; ++i) {
+        for (int i = 0; i < model.numObjects; faces += model.objects[i++].numFaces)
             vertices += model.objects[i].numVertices;
-            faces += model.objects[i].numFaces;
-        }
         return line(model.numObjects, vertices, faces, model.numMaterials, model.numCameras, model.numLights);
     }
 };

@@ -7,49 +7,40 @@ using Scene3dsTest = ModelTest;
 
 TEST_F(Scene3dsTest, FieldOfView)
 {
-    const float cases[][2] = {{-1, 97.87234f}, {15, 97.87234f},  {16, 92.340426f}, {17, 86.808511f},
-                              {50, 39.14894f}, {800, 2.659574f}, {1000, 2.12766f}, {1e9f, 2.12766f}};
+    const float cases[][2] = {{-1, 97.87234f}, {16, 92.340426f}, {1e9f, 2.12766f}};
     for (const auto& [lens, fov] : cases)
         EXPECT_FLOAT_EQ(computeFOV(lens), fov) << lens;
 }
 
 TEST_F(Scene3dsTest, SettingsAndTheirFaults)
 {
-    const struct {
-        std::string text, said;
-        int status = 255;
-    } cases[] = {
-        {R"({ light_samples 4 attenuation_type "d2" shadow_type "smooth" radius 0.5 camera_index 7
-              input_name "b.3ds" input_name "a.3ds.old" focal_point <20 20 23> } ?)",
-         "a.3ds.old 2 1 4 0.5 7 3", 0},
-        {"settings { }", "line: 1 -  Opening bracket '{' expected"},
-        {"{\n samples 4 }", "line: 2 -  Unkown parameter in 3ds settings structure"},
-        {"{\n light_samples 4", "line: 2 -  Unkown parameter in 3ds settings structure"},
-        {"{ input_name \"a.3DS\" }", " '.3ds' file expected."},
-        {"{ camera_samples 0 }", " camera samples must be greater than 0"},
-        {"{ attenuation_type \"d3\" }", " invalid light attenuation type specified"},
-        {"{ shadow_type \"none\" }", " invalid shadow type specified"},
-        {"{ radius -1\n", "line: 1 -  smooth light radius must be greater than 0"},
-        {"{ light_samples 0\n", "line: 1 -  smooth light samples must be greater than 0"},
-        {"{ shadow_type \"smooth\"\n radius 1 }",
-         "line: 2 -  Error in lights specifications - missing parameters"},
-        {"{ radius 1 light_samples 4 radius 1 shadow_type \"smooth\" }", "missing parameters"},
-        {"{ focal_length 1 focal_point <0 0 0> }", " focal lenght OR focal point must be defined"},
-        {"{ background # red }", " Color declaration not found"},
-    };
-    for (const auto& c : cases) {
-        const Outcome outcome = inChild([&c] {
+    const auto rows =
+        rowsOf(R"({ camera_index 7 input_name "b.3ds" input_name "a.3ds.old" }|a.3ds.old 0 0 0 0 7 0 |0
+{ attenuation_type "d2" radius 0.5 shadow_type "smooth" light_samples 4 } ?| 2 1 4 0.5 0 0 |0
+{ input_name "a.3ds" focal_point <20 20 23> }|a.3ds 0 0 0 0 0 3 |0
+settings { }|line: 1 -  Opening bracket '{' expected|255
+{~ light_samples 4|line: 2 -  Unkown parameter in 3ds settings structure|255
+{ input_name "a.3DS" }| '.3ds' file expected.|255
+{ camera_samples 0 }| camera samples must be greater than 0|255
+{ attenuation_type "d3" }| invalid light attenuation type specified|255
+{ shadow_type "none" }| invalid shadow type specified|255
+{ radius -1~|line: 1 -  smooth light radius must be greater than 0|255
+{ light_samples 0~|line: 1 -  smooth light samples must be greater than 0|255
+{ shadow_type "smooth"~ radius 1 }|line: 2 -  Error in lights specifications - missing parameters|255
+{ radius 1 light_samples 4 radius 1 shadow_type "smooth" }|missing parameters|255
+{ focal_length 1 focal_point <0 0 0> }| focal lenght OR focal point must be defined|255
+{ background # red }| Color declaration not found|255)");
+    for (const auto& row : rows) {
+        const Outcome outcome = inChild([&] {
             myViewPoint.position = {20, 20, 20};
-            char inputName[256] = "";
-            int attenuation = 0, shadowType = 0, samples = 0, cameraIndex = 0;
+            char name[256] = "";
+            int attenuation = 0, shadow = 0, samples = 0, camera = 0;
             double radius = 0;
-            yy_3DSSettings(streamOf(c.text), inputName, &attenuation, &shadowType, &samples, &radius,
-                           &cameraIndex);
-            printf("%s %d %d %d %g %d %g", inputName, attenuation, shadowType, samples, radius, cameraIndex,
-                   myViewPoint.focalLength);
+            yy_3DSSettings(streamOf(row[0]), name, &attenuation, &shadow, &samples, &radius, &camera);
+            puts(line(name, attenuation, shadow, samples, radius, camera, myViewPoint.focalLength).c_str());
         });
-        EXPECT_EQ(outcome.status, c.status) << c.text;
-        EXPECT_NE(outcome.out.find(c.said), std::string::npos) << outcome.out;
+        EXPECT_EQ(std::to_string(outcome.status), row[2]) << row[0];
+        EXPECT_NE(outcome.out.find(row[1]), std::string::npos) << outcome.out;
     }
 }
 
@@ -65,39 +56,33 @@ struct AssemblyTest : ModelTest {
 
 TEST_F(AssemblyTest, ModelBecomesAScene)
 {
-    const std::string things = material("a", "\x33\xFF\x01") + material("b", "bbb") + object(CAMERA + LAMP) +
-                               object(chunk(0x4700, floats({9, 9, 9, 0, 0, 0, 0, 800})) + mesh(wears("b"))) +
-                               object(mesh());
-    EXPECT_EQ(
-        parse(
-            file(things),
-            R"(camera_index 7 aperture 2 shadow_type "smooth" radius 2 light_samples 5 attenuation_type "d")"),
-        0);
+    const std::string second = chunk(0x4700, floats({9, 9, 9, 0, 0, 0, 0, 800})) + mesh(wears("b"));
+    const std::string things = material("a", "\x33\xFF\x01") + material("b", "bbb") + object(CAMERA + LAMP);
+    const char* set =
+        R"(camera_index 7 aperture 2 radius 2 light_samples 5 shadow_type "smooth" attenuation_type "d")";
+    EXPECT_EQ(parse(file(things + object(second) + object(mesh())), set), 0);
     EXPECT_EQ(said, "\n Reading model.3ds...\n Computing normals...\n");
     EXPECT_EQ(line(myDisplay.outputName, iImageType, iCameraIndex), line("set", TGA, 1));
     EXPECT_EQ(line(myViewPoint.position.x, myViewPoint.aperture), "9 2 ");
     EXPECT_EQ(myViewPoint.fovX, 0.5 * (3.125f / 1.175f) * PI / 180);
     ASSERT_NE(myLightList, nullptr);
-    const Light& light = myLightList->light;
-    EXPECT_EQ(line(light.lightType, light.position.z, light.attenuation, light.shadowType, light.samples,
-                   light.radius),
+    const Light& l = myLightList->light;
+    EXPECT_EQ(line(l.lightType, l.position.z, l.attenuation, l.shadowType, l.samples, l.radius),
               "0 3 1 1 5 2 ");
     EXPECT_EQ(myLightList->surface.color.red, 0.1f);
     ASSERT_EQ(nPrims, 2);
     EXPECT_EQ(myObjectList->next->surface.color.red, static_cast<float>('b' / 255.0));
-    const SurfaceAttrib& first = myObjectList->surface; // of an object that names no material
-    expectColor(first.color, {0.2f, 1, static_cast<float>(1 / 255.0)});
-    EXPECT_EQ(line(first.ambient, first.diffuse), "0.3 0.375 ");
-    EXPECT_EQ(first.refractionIndex + first.reflectionSamples + first.reflectionRadius, 0);
-    EXPECT_EQ(myObjectList->patch.vertices[1].x, 1);
-    EXPECT_EQ(myObjectList->patch.normals[2].z, 1);
+    const SurfaceAttrib& s = myObjectList->surface; // of an object that names no material
+    expectColor(s.color, {0.2f, 1, static_cast<float>(1 / 255.0)});
+    EXPECT_EQ(line(s.ambient, s.diffuse, s.refractionIndex, s.reflectionSamples), "0.3 0.375 0 0 ");
+    EXPECT_EQ(line(myObjectList->patch.vertices[1].x, myObjectList->patch.normals[2].z), "1 1 ");
 }
 
 TEST_F(AssemblyTest, WithoutCameraLightAndMaterial)
 {
     EXPECT_EQ(parse(file(object(mesh())), "output_name \"out\" output_type \"png\""), 0);
     EXPECT_TRUE(
-        said.ends_with(" No camera defined in set. Using default settings.\n No light defined in set.\n"));
+        said.ends_with(" camera defined in set. Using default settings.\n No light defined in set.\n"));
     EXPECT_EQ(line(myDisplay.outputName, myViewPoint.position.y, myViewPoint.focalLength), "out 20 10 ");
     EXPECT_EQ(myViewPoint.fovX, 0.3490658503988659);
     ASSERT_EQ(nPrims, 1);
