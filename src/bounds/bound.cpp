@@ -1,5 +1,7 @@
 #include "bounds/bound.h"
 
+#include "bounds/pqueue.h"
+
 #include <cassert>
 #include <cstddef>
 #include <cstdlib>
@@ -86,7 +88,7 @@ static void wrap(Object** link, int count)
     auto* node = static_cast<Object*>(calloc(1, offsetof(Object, sphere))); // it has no tail
     auto* children = static_cast<ChildList*>(malloc(sizeof(ChildList)));
     if (node == nullptr || children == nullptr)
-        fatal("\n\n VARLO is out of memory...\n");
+        fatal(OUT_OF_MEMORY);
     total -= count - 1;
     *children = {.count = count, .first = *link};
     node->type = BOUNDING_NODE;

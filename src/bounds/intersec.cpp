@@ -46,7 +46,7 @@ int intersectByHeap(const Ray* ray, double limit, Hit* hit, const Object* exclud
     if (iPQSize > SMALL) {
         queue = static_cast<PQEntry*>(malloc(static_cast<size_t>(iPQSize) * sizeof(PQEntry)));
         if (queue == nullptr)
-            fatal("\n\n VARLO is out of memory...\n");
+            fatal(OUT_OF_MEMORY);
     }
     int count = 0;
     double best = limit;

@@ -45,6 +45,8 @@ static Sampler startSampler(void* band)
     return sampler;
 }
 
+static constexpr const char* NO_LINES = " Memory alloction failed.";
+
 /// A zeroed line of bytes, or null with the message.
 static unsigned char* newLine(size_t size, const char* message)
 {
@@ -107,7 +109,7 @@ void* scanCorners(void* band)
     if (s.band.first >= s.band.end)
         return nullptr;
     const size_t size = 3 * (s.width + 1);
-    unsigned char* lines = newLine(3 * size, " Memory alloction failed.");
+    unsigned char* lines = newLine(3 * size, NO_LINES);
     if (lines == nullptr)
         return nullptr;
     unsigned char* previous = lines;
@@ -191,10 +193,8 @@ void* scanAdaptive(void* band)
     // The carry line holds the bottom edges of the pixels in the row above: place a of column c at 4 * c + a,
     // so that neighbours share their corner.
     const size_t carrySize = (4 * s.width + 1) * sizeof(SampleCell);
-    unsigned char* output = newLine(3 * s.width, " Memory alloction failed.");
-    auto* carry = output == nullptr
-                      ? nullptr
-                      : reinterpret_cast<SampleCell*>(newLine(carrySize, " Memory alloction failed."));
+    unsigned char* output = newLine(3 * s.width, NO_LINES);
+    auto* carry = output == nullptr ? nullptr : reinterpret_cast<SampleCell*>(newLine(carrySize, NO_LINES));
     if (carry == nullptr) {
         free(output);
         return nullptr;

@@ -117,6 +117,9 @@ extern const MotCle liste_motcle[NUM_KEYWORDS];
 /// A word, a number and a string value hold at most 255 characters.
 constexpr int TOKEN_SIZE = 256;
 
+/// The fault of every statement that finds no memory.
+constexpr const char* NO_MEMORY = " memory allocation failed";
+
 /// What the next number token is turned into.
 enum NumberMode : unsigned char { MODE_DECIMAL = 2, MODE_INTEGER = 3 };
 

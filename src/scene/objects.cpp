@@ -14,8 +14,6 @@
 #include <cstdlib>
 #include <utility>
 
-static constexpr const char* NO_MEMORY = " memory allocation failed";
-
 /// The end of every object block: the current surface is copied, the object counted.
 static void finishObject(Object* object, int* count)
 {

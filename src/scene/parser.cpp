@@ -51,7 +51,7 @@ static void yy_declare(FILE* stream)
         yyerror(" Unkown element in declaration");
     auto* entry = static_cast<ColorEntry*>(calloc(1, sizeof(ColorEntry)));
     if (entry == nullptr)
-        yyerror(" memory allocation failed");
+        yyerror(NO_MEMORY);
     memcpy(entry->name, name, sizeof name);
     for (double* component : {&entry->color.red, &entry->color.green, &entry->color.blue}) {
         Lire_Decimal(stream);

@@ -16,7 +16,7 @@ void yy_settings(FILE* stream);
 /// the table of the parameters, all of them optional. It holds the addresses of the globals.
 std::vector<BlockWord> pictureWords();
 
-/// Accepts a number of rays through the lens.
+/// The fault of a number of rays through the lens that is not above 0.
 constexpr const char* CAMERA_SAMPLES_FAULT = " camera samples must be greater than 0";
 
 /// Where the two words for the focus stood, with `point` behind the second one: tests that they did not both
