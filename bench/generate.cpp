@@ -13,8 +13,8 @@
 #include <random>
 #include <string>
 
-enum Language { VARLO, POVRAY, TACHYON, LANGUAGES };
-static const char* const extensions[LANGUAGES] = {"vlo", "pov", "dat"};
+enum Language { VARLO, LIMIT, POVRAY, TACHYON, LANGUAGES };
+static const char* const extensions[LANGUAGES] = {"vlo", "lim", "pov", "dat"};
 
 static constinit FILE* scene = nullptr;
 static constinit int language = VARLO;
@@ -32,6 +32,7 @@ using Form = const char* const[LANGUAGES];
 static constexpr Form VIEW = {
     R"(settings { output_type "ppm" output_name "out" resolution 512 512 background 0.1 0.3 0.5 }
 camera { position <~0> look_at <0 0 0> fov 45 ratio 1 })",
+    "v ~0",
     R"(#version 3.7;
 global_settings { assumed_gamma 1 max_trace_level 6 }
 background { rgb <0.1, 0.3, 0.5> }
@@ -39,36 +40,37 @@ camera { right -x up y angle 45 sky z location <~0> look_at 0 })",
     R"(BEGIN_SCENE RESOLUTION 512 512
 CAMERA ZOOM 1.2071 ASPECTRATIO 1 ANTIALIASING 0 RAYDEPTH 6 CENTER ~0 VIEWDIR !1 UPDIR 0 0 1 END_CAMERA
 BACKGROUND 0.1 0.3 0.5)"};
-static constexpr Form LIGHT = {"light { position <~0> color 0.5 0.5 0.5 attenuation_type \"none\" }",
+static constexpr Form LIGHT = {"light { position <~0> color 0.5 0.5 0.5 attenuation_type \"none\" }", "l ~0",
                                "light_source { <~0>, rgb 0.5 }",
                                "LIGHT CENTER ~0 RAD 0.001 COLOR 0.5 0.5 0.5"};
 static constexpr Form SURFACE = {
-    "surface { color $0 ambient 0.1 specular 0.3 roughness 30 diffuse #1 reflection #2 }",
+    "surface { color $0 ambient 0.1 specular 0.3 roughness 30 diffuse #1 reflection #2 }", "m $0 #1 #2",
     "#declare T@ = texture { pigment { rgb <$0> } finish { ambient 0.1 phong 0.3 phong_size 30 diffuse #1 "
     "reflection #2 } }",
     "TEXDEF T@ AMBIENT 0.1 DIFFUSE #1 SPECULAR #2 OPACITY 1 PHONG PLASTIC 0.3 PHONG_SIZE 30 COLOR $0 "
     "TEXFUNC 0"};
-static constexpr Form SPHERE = {"sphere { center <~0> radius %1 }", "sphere { <~0>, %1 texture { T@ } }",
-                                "SPHERE CENTER ~0 RAD %1 T@"};
-static constexpr Form CYLINDER = {"cylinder { base <~0> cap <~1> radius %2 }",
+static constexpr Form SPHERE = {"sphere { center <~0> radius %1 }", "s ~0 %1",
+                                "sphere { <~0>, %1 texture { T@ } }", "SPHERE CENTER ~0 RAD %1 T@"};
+static constexpr Form CYLINDER = {"cylinder { base <~0> cap <~1> radius %2 }", "c ~0 %2 ~1 %2",
                                   "cylinder { <~0>, <~1>, %2 open texture { T@ } }",
                                   "FCYLINDER BASE ~0 APEX ~1 RAD %2 T@"};
-static constexpr Form CONE = {"cone { base <~0> base_radius %1 cap <~2> cap_radius %3 }",
+static constexpr Form CONE = {"cone { base <~0> base_radius %1 cap <~2> cap_radius %3 }", "c ~0 %1 ~2 %3",
                               "cone { <~0>, %1, <~2>, %3 open texture { T@ } }"};
 static constexpr Form RING = {"ring { center <~0> normal <!1> external_radius %2 internal_radius %3 }",
-                              "disc { <~0>, <!1>, %2, %3 texture { T@ } }",
+                              "r ~0 !1 %2 %3", "disc { <~0>, <!1>, %2, %3 texture { T@ } }",
                               "RING CENTER ~0 NORMAL !1 INNER %3 OUTER %2 T@"};
-static constexpr Form PLANE = {"plane { normal <!0> distance %1 }", "plane { <!0>, %1 texture { T@ } }",
-                               "PLANE CENTER ~2 NORMAL !0 T@"};
-static constexpr Form TRIANGLE = {"triangle { vertex <~0> vertex <~1> vertex <~2> }",
+static constexpr Form PLANE = {"plane { normal <!0> distance %1 }", "p !0 %1",
+                               "plane { <!0>, %1 texture { T@ } }", "PLANE CENTER ~2 NORMAL !0 T@"};
+static constexpr Form TRIANGLE = {"triangle { vertex <~0> vertex <~1> vertex <~2> }", "t ~0 ~1 ~2",
                                   "^triangle { <~0>, <~1>, <~2> }", "TRI V0 ~0 V1 ~1 V2 ~2 T@"};
 static constexpr Form PATCH = {
     "patch { vertex <~0> normal <!1> vertex <~2> normal <!3> vertex <~4> normal <!5> }",
-    "^smooth_triangle { <~0>, <!1>, <~2>, <!3>, <~4>, <!5> }", "STRI V0 ~0 V1 ~4 V2 ~2 N0 !1 N1 !5 N2 !3 T@"};
-static constexpr Form POLYGON = {"polygon { #0", "polygon { #1"};
-static constexpr Form CORNER = {"vertex <~0>", ", <~0>"};
-static constexpr Form LAST = {"}", ", <~0> texture { T@ } }"};
-static constexpr Form END = {"", "", "END_SCENE"};
+    "h ~0 !1 ~2 !3 ~4 !5", "^smooth_triangle { <~0>, <!1>, <~2>, <!3>, <~4>, <!5> }",
+    "STRI V0 ~0 V1 ~4 V2 ~2 N0 !1 N1 !5 N2 !3 T@"};
+static constexpr Form POLYGON = {"polygon { #0", "g #0", "polygon { #1"};
+static constexpr Form CORNER = {"vertex <~0>", "~0", ", <~0>"};
+static constexpr Form LAST = {"}", "", ", <~0> texture { T@ } }"};
+static constexpr Form END = {"", "", "", "END_SCENE"};
 
 static void put(const Form& form, std::initializer_list<Vec> values)
 {
@@ -275,6 +277,57 @@ static void smooth(int cells)
     }
 }
 
+/// A torus knot of patches: a band that runs past itself many times.
+static Vec knotAxis(double a)
+{
+    const double r = 0.9 + 0.4 * std::cos(7 * a);
+    return {r * std::cos(5 * a), r * std::sin(5 * a), 0.4 * std::sin(7 * a)};
+}
+
+static void knot(int turns)
+{
+    constexpr int SIDES = 16;
+    const auto point = [turns](int i, int k, Vec* normal) {
+        const double a = i % turns * 2 * PI / turns;
+        const Vec along = unit(knotAxis(a + 1e-4) - knotAxis(a - 1e-4)), side = unit(cross(along, {0, 0, 1}));
+        *normal = around(side, cross(along, side), k % SIDES * 2 * PI / SIDES);
+        return knotAxis(a) + 0.11 * *normal;
+    };
+    for (int i = 0; i < turns * SIDES; ++i) {
+        const int row = i / SIDES, k = i % SIDES;
+        Vec p[4], n[4];
+        for (int corner = 0; corner < 4; ++corner)
+            p[corner] = point(row + (corner == 1 || corner == 2), k + corner / 2, &n[corner]);
+        put(PATCH, {p[0], n[0], p[1], n[1], p[2], n[2]});
+        put(PATCH, {p[0], n[0], p[2], n[2], p[3], n[3]});
+    }
+}
+
+/// Sea shells: balls along a spiral, each through dozens of its neighbours, so that bounds tell little.
+static void shells(int count)
+{
+    for (int shell = 0; shell < 9; ++shell) {
+        surface(randomPoint(0.2, 1), 0.2);
+        const Vec place = {0.8 * (shell % 3 - 1), 0.8 * (shell / 3 - 1), -0.75},
+                  lean = randomPoint(-0.3, 0.3);
+        const double turn = random(0, 2 * PI);
+        for (int i = 0; i < count; ++i) {
+            const double part = 1 - 1.0 * i / count, r = 0.35 * part * part,
+                         a = turn + 22 * i / (count * 0.9);
+            const Vec up = Vec{0, 0, 1.6 * (1 - part)} + (1 - part) * lean;
+            put(SPHERE, {place + up + r * Vec{std::cos(a), std::sin(a), 0}, only(0.55 * r)});
+        }
+    }
+}
+
+/// Balls alone, as many as are wanted: what the reading and the tree cost.
+static void balls(int count)
+{
+    const double size = 0.5 / std::cbrt(count);
+    for (int i = 0; i < count; ++i)
+        put(SPHERE, {randomPoint(-1, 1), only(size)});
+}
+
 /// Balls and rings in a room. Nothing bounds its planes, so that all rays try them.
 static void room(int count, double mirror)
 {
@@ -318,23 +371,26 @@ static const struct {
     const char* name;
     void (*write)(int size);
     int size;      // the usual one
-    int languages; // Tachyon has neither cones nor polygons
+    int languages; // the first of them; Tachyon has neither cones nor polygons
     Vec eye;       // it looks at the origin
     double floor;  // height of the ground
     Vec color;     // of the surface to begin with
     double mirror;
 } families[] = {
-    {"flake", [](int n) { flake(n); }, 4, 3, {2.9, -4.4, 3.2}, -1, {1, 0.85, 0.6}, 0.4},
-    {"tetra", [](int n) { tetra(n); }, 5, 3, {1.4, -4.4, 1.8}, -1.2, {1, 0.5, 0.3}, 0.2},
-    {"mountain", mountain, 160, 3, {0.2, -4.6, 2.9}, -0.4, {0.7, 0.6, 0.45}, 0},
-    {"rings", rings, 12, 3, {-1.3, -2.9, 0.9}, -1, {}, 0},
-    {"lattice", lattice, 12, 3, {2.1, -3.1, 1.7}, -1.2, {}, 0},
-    {"gears", gears, 4, 2, {-1.4, -3.1, 2.5}, -1.3, {}, 0},
-    {"tree", [](int n) { tree(n); }, 7, 2, {2.2, -3.3, 1.5}, -1, {0.7, 0.5, 0.3}, 0.1},
-    {"smooth", smooth, 224, 3, {1.3, -3.6, 2.6}, -0.62, {0.4, 0.75, 0.6}, 0.25},
-    {"mirrors", [](int n) { room(n, 0.7); }, 1000, 3, {1.4, -4.2, 1.9}, -1.5, {0.5, 0.6, 0.8}, 0.7},
-    {"planes", [](int n) { room(n, 0.1); }, 2000, 3, {-1.4, -4.2, 1.9}, -1.5, {0.5, 0.6, 0.8}, 0.1},
-    {"jumble", jumble, 2000, 2, {1.4, -4.2, 1.9}, -1.3, {}, 0},
+    {"flake", [](int n) { flake(n); }, 4, 4, {2.9, -4.4, 3.2}, -1, {1, 0.85, 0.6}, 0.4},
+    {"tetra", [](int n) { tetra(n); }, 5, 4, {1.4, -4.4, 1.8}, -1.2, {1, 0.5, 0.3}, 0.2},
+    {"mountain", mountain, 160, 4, {0.2, -4.6, 2.9}, -0.4, {0.7, 0.6, 0.45}, 0},
+    {"rings", rings, 12, 4, {-1.3, -2.9, 0.9}, -1, {}, 0},
+    {"lattice", lattice, 12, 4, {2.1, -3.1, 1.7}, -1.2, {}, 0},
+    {"gears", gears, 4, 3, {-1.4, -3.1, 2.5}, -1.3, {}, 0},
+    {"tree", [](int n) { tree(n); }, 7, 3, {2.2, -3.3, 1.5}, -1, {0.7, 0.5, 0.3}, 0.1},
+    {"smooth", smooth, 224, 4, {1.3, -3.6, 2.6}, -0.62, {0.4, 0.75, 0.6}, 0.25},
+    {"knot", knot, 2000, 4, {1.3, -3.4, 2.2}, -0.7, {0.9, 0.6, 0.3}, 0.2},
+    {"shells", shells, 1500, 4, {1.4, -4.2, 1.9}, -1.5, {}, 0},
+    {"balls", balls, 10000, 4, {1.4, -4.2, 1.9}, -1.3, {0.9, 0.6, 0.3}, 0.1},
+    {"mirrors", [](int n) { room(n, 0.7); }, 1000, 4, {1.4, -4.2, 1.9}, -1.5, {0.5, 0.6, 0.8}, 0.7},
+    {"planes", [](int n) { room(n, 0.1); }, 2000, 4, {-1.4, -4.2, 1.9}, -1.5, {0.5, 0.6, 0.8}, 0.1},
+    {"jumble", jumble, 2000, 3, {1.4, -4.2, 1.9}, -1.3, {}, 0},
 };
 
 int main(int argc, char** argv)
