@@ -48,7 +48,8 @@ static bool readLevel(std::span<const ChunkAction> actions, Model3DS* model, Chu
         Chunk chunk;
         if (!readChunk(&chunk, parent))
             return false;
-        const auto action = std::ranges::find(actions, chunk.id, &ChunkAction::id);
+        const auto action = std::find_if(actions.begin(), actions.end(),
+                                         [&](const ChunkAction& row) { return row.id == chunk.id; });
         if (!(action == actions.end() ? skipRest(&chunk) : action->read(model, &chunk)))
             return false;
         parent->bytesRead += chunk.bytesRead;

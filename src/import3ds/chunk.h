@@ -57,7 +57,9 @@ bool takeNumbers(Chunk* chunk, Number* numbers, std::uint32_t count)
     if (!take(chunk, numbers, count * static_cast<std::uint32_t>(sizeof(Number))))
         return false;
     if constexpr (std::endian::native == std::endian::big)
-        for (std::uint32_t i = 0; i < count; ++i)
-            std::ranges::reverse(std::as_writable_bytes(std::span(numbers + i, 1)));
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const auto bytes = std::as_writable_bytes(std::span(numbers + i, 1));
+            std::reverse(bytes.begin(), bytes.end());
+        }
     return true;
 }

@@ -210,17 +210,20 @@ static Number convert(const char* end, Fallback fallback)
     if (*first == '+' && first[1] != '-')
         ++first;
     Number value{};
-    if (std::from_chars(first, end, value).ec == std::errc::result_out_of_range)
-        return fallback();
-    return value;
+    // Some C++ libraries read no decimals with it; the C library gives the same, only more slowly.
+    if constexpr (requires { std::from_chars(first, end, value); }) {
+        if (std::from_chars(first, end, value).ec != std::errc::result_out_of_range)
+            return value;
+    }
+    return fallback();
 }
 
 static void convertNumber(const char* end)
 {
     if (type_motcle == MODE_DECIMAL)
         val_DBL = convert<double>(end, [] { return strtod(chaine, nullptr); });
-    else
-        val_INT = static_cast<int>(convert<long>(end, [] { return strtol(chaine, nullptr, 10); }));
+    else // 64 bits also where `long` has 32: what is too large for an int keeps its low half everywhere
+        val_INT = static_cast<int>(convert<std::int64_t>(end, [] { return strtoll(chaine, nullptr, 10); }));
 }
 
 /// Skips white space and comments and returns the first character behind them.
