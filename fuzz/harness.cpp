@@ -5,6 +5,8 @@
 #include "bounds/packed.h"
 #include "core/data.h"
 #include "engine/ray.h"
+#include "scene/colors.h"
+#include "scene/current.h"
 #include "scene/lexer.h"
 #include "scene/parser.h"
 

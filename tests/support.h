@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scene/colors.h"
+#include "scene/current.h"
 #include "scene/lexer.h"
 #include "scene/parser.h"
 

@@ -1,6 +1,6 @@
 #include "scene/lexer.h"
 
-#include "scene/parser.h"
+#include "scene/colors.h"
 
 #include <array>
 #include <charconv>
@@ -329,9 +329,7 @@ void Lire_RVB(FILE* stream)
     type_motcle = MODE_DECIMAL;
     if (Lire_MotCle(stream) == TOKEN_HASH) {
         Lire_MotCle(stream);
-        const ColorEntry* entry = myColorList;
-        while (entry != nullptr && strcmp(entry->name, chaine) != 0)
-            entry = entry->next;
+        const ColorEntry* entry = findColor(myColorList, chaine);
         if (entry == nullptr)
             yyerror(" Color declaration not found");
         rvb_tmp = entry->color;

@@ -9,7 +9,7 @@
 #include "primitives/sphere.h"
 #include "primitives/triangle.h"
 #include "scene/block.h"
-#include "scene/parser.h"
+#include "scene/current.h"
 
 #include <cstdlib>
 #include <utility>

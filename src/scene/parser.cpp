@@ -1,5 +1,7 @@
 #include "scene/parser.h"
 
+#include "scene/colors.h"
+#include "scene/current.h"
 #include "scene/lexer.h"
 #include "scene/objects.h"
 #include "scene/shading.h"
@@ -11,33 +13,9 @@
 #include <cstring>
 #include <vector>
 
-constinit ColorEntry* myColorList = nullptr;
-constinit SurfaceAttrib surface{};
-
-constinit int iNumSphere = 0, iNumRing = 0, iNumPlane = 0, iNumCone = 0, iNumCylinder = 0, iNumDisc = 0,
-              iNumPolygone = 0, iNumTriangle = 0, iNumPatch = 0, iNumSurface = 0, iNumLight = 0;
-
 // Blocks read, for the test of completeness.
 static constinit std::int16_t c = 0, s = 0, su = 0, l = 0;
 static constinit std::int16_t uncounted = 0;
-
-void addColorToList(ColorEntry** head, ColorEntry* entry)
-{
-    entry->next = *head;
-    *head = entry;
-}
-
-int freeColorList(ColorEntry** head)
-{
-    int count = 0;
-    while (*head != nullptr) {
-        ColorEntry* next = (*head)->next;
-        free(*head);
-        *head = next;
-        ++count;
-    }
-    return count;
-}
 
 static void yy_declare(FILE* stream)
 {

@@ -1,7 +1,7 @@
 #include "scene/shading.h"
 
 #include "engine/light.h"
-#include "scene/parser.h"
+#include "scene/current.h"
 
 constexpr Choice attenuationTypes[3] = {
     {"none", NO_ATTENUATION}, {"d", BY_DISTANCE}, {"d2", BY_SQUARED_DISTANCE}};

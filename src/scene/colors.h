@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/data.h"
+
+// The colours that a scene declares by name.
+
+constexpr int COLOR_NAME_SIZE = 64;
+
+/// A named colour, of any range.
+struct ColorEntry {
+    ColorEntry* next;
+    char name[COLOR_NAME_SIZE];
+    Color color;
+};
+
+extern ColorEntry* myColorList; // the latest declaration first; null outside parseFile
+
+/// Puts `entry` at the front of the list.
+void addColorToList(ColorEntry** head, ColorEntry* entry);
+
+/// The latest declaration of a name, or null.
+const ColorEntry* findColor(const ColorEntry* head, const char* name);
+
+/// Frees the entries, leaves the head null and returns how many there were.
+int freeColorList(ColorEntry** head);
