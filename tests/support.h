@@ -2,6 +2,7 @@
 
 #include "scene/colors.h"
 #include "scene/current.h"
+#include "scene/keywords.h"
 #include "scene/lexer.h"
 #include "scene/parser.h"
 

@@ -1,11 +1,14 @@
 #include "import3ds/settings3ds.h"
 
 #include "scene/block.h"
+#include "scene/lexer.h"
 #include "scene/shading.h"
 #include "scene/view.h"
 
 #include <cstring>
 #include <vector>
+
+using namespace block;
 
 static bool names3DSFile(char* name)
 {
@@ -19,22 +22,22 @@ void yy_3DSSettings(FILE* stream, char* inputName, int* attenuation, int* shadow
     iImageType = TGA;
     Vec focalPoint{};
     const BlockWord ownWords[] = {
-        name(CODE_INPUT_NAME, inputName, names3DSFile, " '.3ds' file expected."),
-        any(CODE_APERTURE, &myViewPoint.aperture),
-        any(CODE_FOCAL_LENGTH, &myViewPoint.focalLength),
-        any(CODE_FOCAL_POINT, &focalPoint),
-        any(CODE_CAMERA_SAMPLES, &myViewPoint.samples, isAboveZero, CAMERA_SAMPLES_FAULT),
-        any(CODE_CAMERA_INDEX, cameraIndex),
-        choice(CODE_ATTENUATION_TYPE, attenuation, attenuationTypes, ATTENUATION_FAULT),
-        choice(CODE_SHADOW_TYPE, shadowType, shadowTypes, SHADOW_FAULT),
-        any(CODE_RADIUS, radius, isAboveZero, LIGHT_RADIUS_FAULT),
-        any(CODE_LIGHT_SAMPLES, samples, isAboveZero, LIGHT_SAMPLES_FAULT),
+        name("input_name", inputName, names3DSFile, " '.3ds' file expected."),
+        any("aperture", &myViewPoint.aperture),
+        any("focal_length", &myViewPoint.focalLength),
+        any("focal_point", &focalPoint),
+        any("camera_samples", &myViewPoint.samples, isAboveZero, CAMERA_SAMPLES_FAULT),
+        any("camera_index", cameraIndex),
+        choice("attenuation_type", attenuation, attenuationTypes, ATTENUATION_FAULT),
+        choice("shadow_type", shadowType, shadowTypes, SHADOW_FAULT),
+        any("radius", radius, isAboveZero, LIGHT_RADIUS_FAULT),
+        any("light_samples", samples, isAboveZero, LIGHT_SAMPLES_FAULT),
     };
     std::vector<BlockWord> words = pictureWords();
     words.insert(words.end(), std::begin(ownWords), std::end(ownWords));
     readWords(stream, words, " Unkown parameter in 3ds settings structure");
     if (*shadowType == SMOOTH_SHADOW &&
-        (countOf(words, CODE_RADIUS) != 1 || countOf(words, CODE_LIGHT_SAMPLES) != 1))
+        (countOf(words, "radius") != 1 || countOf(words, "light_samples") != 1))
         yyerror(" Error in lights specifications - missing parameters");
     setFocus(words, focalPoint);
 }

@@ -1,5 +1,7 @@
 #include "scene/block.h"
 
+#include "scene/lexer.h"
+
 #include <cstring>
 
 /// Reads one value of each form. An overload a form, so that a table cannot name the wrong one.
@@ -34,80 +36,64 @@ static void readInto(FILE* stream, char* target)
 }
 
 template <class T>
-void readValue(FILE* stream, BlockWord& word)
+static void store(FILE* stream, const target::Value<T>& value, const BlockWord& word)
 {
-    T* target = static_cast<T*>(word.target);
-    readInto(stream, target);
-    const auto accept = reinterpret_cast<bool (*)(T*)>(word.accept);
-    if (accept != nullptr && !accept(target))
+    readInto(stream, value.place);
+    if (value.accept != nullptr && !value.accept(value.place))
         yyerror(word.fault);
 }
 
-template void readValue<double>(FILE* stream, BlockWord& word);
-template void readValue<int>(FILE* stream, BlockWord& word);
-template void readValue<Vec>(FILE* stream, BlockWord& word);
-template void readValue<Color>(FILE* stream, BlockWord& word);
-template void readValue<char>(FILE* stream, BlockWord& word);
-
-static void readChoice(FILE* stream, BlockWord& word)
+static void store(FILE* stream, const target::Choices& choices, const BlockWord& word)
 {
     Lire_Chaine(stream);
-    for (const Choice& choice : word.choices) {
+    for (const Choice& choice : choices.words) {
         if (strcmp(strTemp, choice.word) == 0) {
-            *static_cast<int*>(word.target) = choice.value;
+            *choices.place = choice.value;
             return;
         }
     }
     yyerror(word.fault);
 }
 
-static void readPair(FILE* stream, BlockWord& word)
+static void store(FILE* stream, const target::Pair& pair, const BlockWord&)
 {
-    readInto(stream, static_cast<int*>(word.target));
-    readInto(stream, word.second);
+    readInto(stream, pair.first);
+    readInto(stream, pair.second);
 }
 
-static void readPoint(FILE* stream, BlockWord& word)
+static void store(FILE* stream, const target::Points& points, const BlockWord& word)
 {
-    if (word.count == word.capacity)
+    if (word.count == points.capacity)
         yyerror(word.fault);
-    readInto(stream, static_cast<Vec*>(word.target) + static_cast<ptrdiff_t>(word.stride) * word.count);
+    readInto(stream, points.places + static_cast<ptrdiff_t>(points.stride) * word.count);
 }
 
-BlockWord choice(int code, int* target, std::span<const Choice> choices, const char* fault)
+BlockWord block::name(Keyword word, char* place, bool (*accept)(char*), const char* fault)
 {
-    return {.code = code,
+    return any(word, place, accept, fault);
+}
+
+BlockWord block::choice(Keyword word, int* place, std::span<const Choice> choices, const char* fault)
+{
+    return {.code = word.code, .required = false, .target = target::Choices{place, choices}, .fault = fault};
+}
+
+BlockWord block::pair(Keyword word, int* first, int* second)
+{
+    return {.code = word.code, .required = false, .target = target::Pair{first, second}};
+}
+
+BlockWord block::points(Keyword word, Vec* places, int stride, int capacity, const char* tooMany)
+{
+    return {.code = word.code,
             .required = false,
-            .read = readChoice,
-            .target = target,
-            .fault = fault,
-            .choices = choices};
+            .target = target::Points{places, stride, capacity},
+            .fault = tooMany};
 }
 
-BlockWord name(int code, char* target, bool (*accept)(char*), const char* fault)
+BlockWord block::also(Keyword other, BlockWord word)
 {
-    return any(code, target, accept, fault);
-}
-
-BlockWord points(int code, Vec* target, int stride, int capacity, const char* tooMany)
-{
-    return {.code = code,
-            .required = false,
-            .read = readPoint,
-            .target = target,
-            .fault = tooMany,
-            .stride = stride,
-            .capacity = capacity};
-}
-
-BlockWord pair(int code, int* first, int* second)
-{
-    return {.code = code, .required = false, .read = readPair, .target = first, .second = second};
-}
-
-BlockWord also(int otherCode, BlockWord word)
-{
-    word.otherCode = otherCode;
+    word.otherCode = other.code;
     return word;
 }
 
@@ -132,7 +118,7 @@ void readWords(FILE* stream, std::span<BlockWord> words, const char* unknown)
         const auto word = findWord(words, mot_cle);
         if (word == words.end())
             yyerror(unknown);
-        word->read(stream, *word);
+        std::visit([&](const auto& target) { store(stream, target, *word); }, word->target);
         ++word->count;
     }
 }
@@ -143,9 +129,9 @@ void readBlock(FILE* stream, std::span<BlockWord> words, const char* unknown)
     readWords(stream, words, unknown);
 }
 
-int countOf(std::span<const BlockWord> words, int code)
+int countOf(std::span<const BlockWord> words, Keyword word)
 {
-    return findWord(words, code)->count;
+    return findWord(words, word.code)->count;
 }
 
 void requireCounts(std::span<const BlockWord> words, const char* message)

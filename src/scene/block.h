@@ -1,8 +1,11 @@
 #pragma once
 
-#include "scene/lexer.h"
+#include "core/data.h"
+#include "scene/keywords.h"
 
+#include <cstdio>
 #include <span>
+#include <variant>
 
 // One reader for all blocks of the language. A block is a table of its words: which word, how often, where
 // its value goes, what it must satisfy. Its parser is that table, the block's own tests at the closing brace,
@@ -14,62 +17,77 @@ struct Choice {
     int value;
 };
 
+/// Where the value of a parameter goes, a kind for each of its forms.
+namespace target
+{
+/// One value. `accept` may refuse it, at once, and may also change it.
+template <class T>
+struct Value {
+    T* place;
+    bool (*accept)(T*);
+};
+struct Choices {
+    int* place;
+    std::span<const Choice> words;
+};
+struct Pair {
+    int *first, *second;
+};
+/// Every `stride`-th place, for up to `capacity` vectors.
+struct Points {
+    Vec* places;
+    int stride, capacity;
+};
+} // namespace target
+
 /// A parameter of a block. Made by the functions below.
 struct BlockWord {
-    int code;                                    // keyword of the parameter
-    bool required;                               // exactly once, tested by requireCounts
-    void (*read)(FILE* stream, BlockWord& word); // reads the value behind the keyword and stores it
-    void* target = nullptr;
-    int* second = nullptr;             // of a pair of integers
-    void (*accept)() = nullptr;        // a bool (*)(T*) for the T of target: false is the fault below
-    const char* fault = nullptr;       // message of a refused value
-    std::span<const Choice> choices{}; // words of a string parameter
-    int stride = 1, capacity = 0;      // of the points of a list
-    int count = 0;                     // how often the word stood
-    int otherCode = code;              // a second keyword of the same parameter, with one count for both
+    int code;      // keyword of the parameter
+    bool required; // exactly once, tested by requireCounts
+    std::variant<target::Value<double>, target::Value<int>, target::Value<Vec>, target::Value<Color>,
+                 target::Value<char>, target::Choices, target::Pair, target::Points>
+        target;
+    const char* fault = nullptr; // message of a refused value
+    int count = 0;               // how often the word stood
+    int otherCode = code;        // a second keyword of the same parameter, with one count for both
 };
 
-/// Reads one value of its form into `*target` and lets `accept` look at it.
-template <class T>
-void readValue(FILE* stream, BlockWord& word);
+/// The rows of a table.
+namespace block
+{
 
 /// A parameter that has to stand exactly once. `accept` may refuse the value, at once, with `fault`, and may
 /// also change it.
 template <class T>
-BlockWord once(int code, T* target, bool (*accept)(T*) = nullptr, const char* fault = nullptr)
+BlockWord once(Keyword word, T* place, bool (*accept)(T*) = nullptr, const char* fault = nullptr)
 {
-    return {.code = code,
-            .required = true,
-            .read = readValue<T>,
-            .target = target,
-            .accept = reinterpret_cast<void (*)()>(accept),
-            .fault = fault};
+    return {.code = word.code, .required = true, .target = target::Value<T>{place, accept}, .fault = fault};
 }
 
 /// A parameter that may stand any number of times; the last one counts.
 template <class T>
-BlockWord any(int code, T* target, bool (*accept)(T*) = nullptr, const char* fault = nullptr)
+BlockWord any(Keyword word, T* place, bool (*accept)(T*) = nullptr, const char* fault = nullptr)
 {
-    BlockWord word = once(code, target, accept, fault);
-    word.required = false;
-    return word;
+    return {.code = word.code, .required = false, .target = target::Value<T>{place, accept}, .fault = fault};
 }
 
+/// A string parameter, any number of times, copied to `place`, which has TOKEN_SIZE characters.
+BlockWord name(Keyword word, char* place, bool (*accept)(char*) = nullptr, const char* fault = nullptr);
+
 /// A string parameter, any number of times, which has to be one of the words of `choices`.
-BlockWord choice(int code, int* target, std::span<const Choice> choices, const char* fault);
-
-/// A string parameter, any number of times, copied to `target`, which has TOKEN_SIZE characters.
-BlockWord name(int code, char* target, bool (*accept)(char*) = nullptr, const char* fault = nullptr);
-
-/// A vector that may stand up to `capacity` times and fills every `stride`-th place of `target`. One more is
-/// the fault `tooMany`, before its value is read.
-BlockWord points(int code, Vec* target, int stride, int capacity, const char* tooMany);
+BlockWord choice(Keyword word, int* place, std::span<const Choice> choices, const char* fault);
 
 /// Two integers behind one keyword, any number of times.
-BlockWord pair(int code, int* first, int* second);
+BlockWord pair(Keyword word, int* first, int* second);
+
+/// A vector that may stand up to `capacity` times and fills every `stride`-th place of `places`. One more is
+/// the fault `tooMany`, before its value is read.
+BlockWord points(Keyword word, Vec* places, int stride, int capacity, const char* tooMany);
 
 /// The same parameter under a second keyword.
-BlockWord also(int otherCode, BlockWord word);
+BlockWord also(Keyword other, BlockWord word);
+
+} // namespace block
 
 /// Tests for the tables.
 template <class T>
@@ -88,7 +106,7 @@ void readWords(FILE* stream, std::span<BlockWord> words, const char* unknown);
 void readBlock(FILE* stream, std::span<BlockWord> words, const char* unknown);
 
 /// How often a parameter stood.
-int countOf(std::span<const BlockWord> words, int code);
+int countOf(std::span<const BlockWord> words, Keyword word);
 
 /// The fault `message` unless each required parameter stood exactly once.
 void requireCounts(std::span<const BlockWord> words, const char* message);

@@ -10,9 +10,12 @@
 #include "primitives/triangle.h"
 #include "scene/block.h"
 #include "scene/current.h"
+#include "scene/lexer.h"
 
 #include <cstdlib>
 #include <utility>
+
+using namespace block;
 
 /// The end of every object block: the current surface is copied, the object counted.
 static void finishObject(Object* object, int* count)
@@ -45,8 +48,8 @@ void yy_sphere(FILE* stream)
     Vec center{};
     double radius = 0.0;
     BlockWord words[] = {
-        once(CODE_CENTER, &center),
-        once(CODE_RADIUS, &radius, isAboveZero, " sphere radius must be greater than 0"),
+        once("center", &center),
+        once("radius", &radius, isAboveZero, " sphere radius must be greater than 0"),
     };
     readBlock(stream, words, " Unkown parameter in sphere structure");
     requireCounts(words, " error in sphere structure declaration");
@@ -58,8 +61,8 @@ void yy_plane(FILE* stream)
     Vec normal{};
     double distance = 0.0;
     BlockWord words[] = {
-        once(CODE_NORMAL, &normal),
-        once(CODE_DISTANCE, &distance),
+        once("normal", &normal),
+        once("distance", &distance),
     };
     readBlock(stream, words, " Unkown parameter in plane structure");
     requireCounts(words, " error in plane structure declaration");
@@ -77,9 +80,9 @@ void yy_cylindre(FILE* stream)
     Vec base{}, cap{};
     double radius = 0.0;
     BlockWord words[] = {
-        once(CODE_BASE, &base),
-        once(CODE_CAP, &cap),
-        once(CODE_RADIUS, &radius),
+        once("base", &base),
+        once("cap", &cap),
+        once("radius", &radius),
     };
     readBlock(stream, words, " Unkown parameter in cylinder structure");
     requireCounts(words, " error in cylinder structure declaration");
@@ -95,10 +98,10 @@ void yy_cone(FILE* stream)
     Vec base{}, cap{};
     double baseRadius = 0.0, capRadius = 0.0;
     BlockWord words[] = {
-        once(CODE_BASE, &base),
-        once(CODE_CAP, &cap),
-        once(CODE_BASE_RADIUS, &baseRadius),
-        once(CODE_CAP_RADIUS, &capRadius),
+        once("base", &base),
+        once("cap", &cap),
+        once("base_radius", &baseRadius),
+        once("cap_radius", &capRadius),
     };
     readBlock(stream, words, " Unkown parameter in cone structure");
     requireCounts(words, " Error in cone structure");
@@ -119,9 +122,9 @@ void yy_disc(FILE* stream)
     Vec center{}, normal{};
     double radius = 0.0;
     BlockWord words[] = {
-        once(CODE_CENTER, &center),
-        once(CODE_NORMAL, &normal),
-        once(CODE_RADIUS, &radius),
+        once("center", &center),
+        once("normal", &normal),
+        once("radius", &radius),
     };
     readBlock(stream, words, " Unkown parameter in disc structure");
     requireCounts(words, FLAT_COUNTS);
@@ -135,10 +138,10 @@ void yy_ring(FILE* stream)
     Vec center{}, normal{};
     double internal = 0.0, external = 0.0;
     BlockWord words[] = {
-        once(CODE_CENTER, &center),
-        once(CODE_NORMAL, &normal),
-        once(CODE_INTERNAL_RADIUS, &internal),
-        once(CODE_EXTERNAL_RADIUS, &external),
+        once("center", &center),
+        once("normal", &normal),
+        once("internal_radius", &internal),
+        once("external_radius", &external),
     };
     readBlock(stream, words, " Unkown parameter in ring structure");
     requireCounts(words, FLAT_COUNTS);
@@ -155,7 +158,7 @@ void yy_triangle(FILE* stream)
 {
     Vec* vertices = newPoints(3);
     BlockWord words[] = {
-        points(CODE_VERTEX, vertices, 1, 3, " Too many vertices in triangle structure"),
+        points("vertex", vertices, 1, 3, " Too many vertices in triangle structure"),
     };
     readBlock(stream, words, " Unkown parameter in triangle structure");
     if (words[0].count < 3)
@@ -167,8 +170,8 @@ void yy_patch(FILE* stream)
 {
     Vec corners[6]; // each vertex with its normal behind it
     BlockWord words[] = {
-        points(CODE_VERTEX, corners, 2, 3, " Too many vertices in patch structure"),
-        points(CODE_NORMAL, corners + 1, 2, 3, " Too many normals in patch structure"),
+        points("vertex", corners, 2, 3, " Too many vertices in patch structure"),
+        points("normal", corners + 1, 2, 3, " Too many normals in patch structure"),
     };
     readBlock(stream, words, " Unkown parameter in patch structure");
     if (words[0].count < 3)
@@ -187,7 +190,7 @@ void yy_polygon(FILE* stream)
         yyerror(" valid number of vertices expected");
     Vec* vertices = newPoints(count);
     BlockWord words[] = {
-        points(CODE_VERTEX, vertices, 1, count, " Too many vertices in polygon structure"),
+        points("vertex", vertices, 1, count, " Too many vertices in polygon structure"),
     };
     readWords(stream, words, " Unkown parameter in polygon structure");
     if (words[0].count < count)

@@ -2,6 +2,7 @@
 
 #include "scene/colors.h"
 #include "scene/current.h"
+#include "scene/keywords.h"
 #include "scene/lexer.h"
 #include "scene/objects.h"
 #include "scene/shading.h"
@@ -25,7 +26,7 @@ static void yy_declare(FILE* stream)
     char name[COLOR_NAME_SIZE];
     strcpy(name, strTemp);
 
-    if (Lire_MotCle(stream) != CODE_COLOR)
+    if (Lire_MotCle(stream) != Keyword("color").code)
         yyerror(" Unkown element in declaration");
     auto* entry = static_cast<ColorEntry*>(calloc(1, sizeof(ColorEntry)));
     if (entry == nullptr)
@@ -39,20 +40,20 @@ static void yy_declare(FILE* stream)
 }
 
 struct Statement {
-    int code;
+    Keyword word;
     void (*parse)(FILE* stream);
     std::int16_t* blocks; // counter of the test of completeness
 };
 
 static constexpr Statement statements[] = {
-    {CODE_CAMERA, yy_camera, &c},           {CODE_SETTINGS, yy_settings, &s},
-    {CODE_SURFACE, yy_surface, &su},        {CODE_LIGHT, yy_light, &l},
-    {CODE_SPHERE, yy_sphere, &uncounted},   {CODE_PLANE, yy_plane, &uncounted},
-    {CODE_CONE, yy_cone, &uncounted},       {CODE_CYLINDER, yy_cylindre, &uncounted},
-    {CODE_RING, yy_ring, &uncounted},       {CODE_DISC, yy_disc, &uncounted},
-    {CODE_POLYGON, yy_polygon, &uncounted}, {CODE_TRIANGLE, yy_triangle, &uncounted},
-    {CODE_PATCH, yy_patch, &uncounted},     {CODE_SMOOTH_TRIANGLE, yy_patch, &uncounted},
-    {CODE_DECLARE, yy_declare, &uncounted},
+    {"camera", yy_camera, &c},           {"settings", yy_settings, &s},
+    {"surface", yy_surface, &su},        {"light", yy_light, &l},
+    {"sphere", yy_sphere, &uncounted},   {"plane", yy_plane, &uncounted},
+    {"cone", yy_cone, &uncounted},       {"cylinder", yy_cylindre, &uncounted},
+    {"ring", yy_ring, &uncounted},       {"disc", yy_disc, &uncounted},
+    {"polygon", yy_polygon, &uncounted}, {"triangle", yy_triangle, &uncounted},
+    {"patch", yy_patch, &uncounted},     {"smooth_triangle", yy_patch, &uncounted},
+    {"declare", yy_declare, &uncounted},
 };
 
 static FILE* openScene(const char* fileName)
@@ -70,13 +71,13 @@ static FILE* openScene(const char* fileName)
 static void parseStatement(std::vector<FILE*>& open)
 {
     FILE* stream = open.back();
-    if (mot_cle == CODE_INCLUDE) {
+    if (mot_cle == Keyword("include").code) {
         Lire_Chaine(stream);
         open.push_back(openScene(strTemp));
         return;
     }
     for (const Statement& statement : statements) {
-        if (statement.code == mot_cle) {
+        if (statement.word.code == mot_cle) {
             statement.parse(stream);
             ++*statement.blocks;
             return;

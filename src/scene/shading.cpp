@@ -2,6 +2,11 @@
 
 #include "engine/light.h"
 #include "scene/current.h"
+#include "scene/lexer.h"
+
+#include <cmath>
+
+using namespace block;
 
 constexpr Choice attenuationTypes[3] = {
     {"none", NO_ATTENUATION}, {"d", BY_DISTANCE}, {"d2", BY_SQUARED_DISTANCE}};
@@ -29,19 +34,19 @@ void yy_surface(FILE* stream)
 {
     SurfaceAttrib next;
     BlockWord words[] = {
-        any(CODE_COLOR, &next.color, isSurfaceColor, COLOR_FAULT),
-        any(CODE_AMBIENT, &next.ambient),
-        any(CODE_DIFFUSE, &next.diffuse),
-        any(CODE_BRILLIANCE, &next.brilliance),
-        any(CODE_SPECULAR, &next.specular),
-        any(CODE_ROUGHNESS, &next.roughness),
-        any(CODE_REFLECTION, &next.reflection),
-        choice(CODE_REFLECTION_TYPE, &next.reflectionType, reflectionTypes,
+        any("color", &next.color, isSurfaceColor, COLOR_FAULT),
+        any("ambient", &next.ambient),
+        any("diffuse", &next.diffuse),
+        any("brilliance", &next.brilliance),
+        any("specular", &next.specular),
+        any("roughness", &next.roughness),
+        any("reflection", &next.reflection),
+        choice("reflection_type", &next.reflectionType, reflectionTypes,
                " invalid reflection type specified"),
-        any(CODE_REFLECTION_SAMPLES, &next.reflectionSamples),
-        any(CODE_REFLECTION_RADIUS, &next.reflectionRadius),
-        any(CODE_REFRACTION, &next.refraction),
-        any(CODE_REFRACTION_INDEX, &next.refractionIndex, raiseToOne),
+        any("reflection_samples", &next.reflectionSamples),
+        any("reflection_radius", &next.reflectionRadius),
+        any("refraction", &next.refraction),
+        any("refraction_index", &next.refractionIndex, raiseToOne),
     };
     readBlock(stream, words, " Unkown parameter in surface structure");
     surface = next;
@@ -68,21 +73,21 @@ void yy_light(FILE* stream)
     double cosMinAngle = std::cos(PI / 36.0), cosMaxAngle = std::cos(PI / 12.0);
 
     BlockWord words[] = {
-        once(CODE_POSITION, &position),
-        once(CODE_COLOR, &color, isLightColor, COLOR_FAULT),
-        choice(CODE_LIGHT_TYPE, &lightType, lightTypes, " invalid light type specified"),
-        any(CODE_TARGET, &target),
-        choice(CODE_ATTENUATION_TYPE, &attenuation, attenuationTypes, ATTENUATION_FAULT),
-        choice(CODE_SHADOW_TYPE, &shadowType, shadowTypes, SHADOW_FAULT),
-        any(CODE_RADIUS, &radius, isAboveZero, LIGHT_RADIUS_FAULT),
-        also(CODE_SAMPLES, any(CODE_LIGHT_SAMPLES, &samples, isAboveZero, LIGHT_SAMPLES_FAULT)),
-        any(CODE_MIN_ANGLE, &cosMinAngle, toHalfAngleCosine),
-        any(CODE_MAX_ANGLE, &cosMaxAngle, toHalfAngleCosine),
+        once("position", &position),
+        once("color", &color, isLightColor, COLOR_FAULT),
+        choice("light_type", &lightType, lightTypes, " invalid light type specified"),
+        any("target", &target),
+        choice("attenuation_type", &attenuation, attenuationTypes, ATTENUATION_FAULT),
+        choice("shadow_type", &shadowType, shadowTypes, SHADOW_FAULT),
+        any("radius", &radius, isAboveZero, LIGHT_RADIUS_FAULT),
+        also("samples", any("light_samples", &samples, isAboveZero, LIGHT_SAMPLES_FAULT)),
+        any("min_angle", &cosMinAngle, toHalfAngleCosine),
+        any("max_angle", &cosMaxAngle, toHalfAngleCosine),
     };
     readBlock(stream, words, " Unkown parameter in light structure");
 
     static constexpr const char* missing = " Error in light structure - missing parameters";
-    const bool aimed = countOf(words, CODE_TARGET) > 0;
+    const bool aimed = countOf(words, "target") > 0;
     Vec direction{};
     if (aimed) {
         direction = target - position;
@@ -91,7 +96,7 @@ void yy_light(FILE* stream)
     }
     requireCounts(words, missing);
     if (shadowType == SMOOTH_SHADOW &&
-        (countOf(words, CODE_RADIUS) != 1 || countOf(words, CODE_LIGHT_SAMPLES) != 1))
+        (countOf(words, "radius") != 1 || countOf(words, "light_samples") != 1))
         yyerror(missing);
     if (lightType == SPOT_LIGHT && !aimed)
         yyerror(missing); // it would shine nowhere

@@ -1,6 +1,10 @@
 #include "scene/view.h"
 
+#include "scene/lexer.h"
+
 #include <algorithm>
+
+using namespace block;
 
 static constexpr Choice imageTypes[] = {{"tga", TGA}, {"bmp", BMP},   {"ppm", PPM},
                                         {"png", PNG}, {"jpeg", JPEG}, {"tiff", TIF}};
@@ -11,8 +15,8 @@ static constexpr Choice projections[] = {{"flat", FLAT}, {"fisheye", FISHEYE}};
 
 void setFocus(std::span<const BlockWord> words, Vec point)
 {
-    const int points = countOf(words, CODE_FOCAL_POINT);
-    if (points > 0 && countOf(words, CODE_FOCAL_LENGTH) > 0)
+    const int points = countOf(words, "focal_point");
+    if (points > 0 && countOf(words, "focal_length") > 0)
         yyerror(" focal lenght OR focal point must be defined");
     if (points > 0)
         myViewPoint.focalLength = lengthOf(myViewPoint.position - point);
@@ -34,16 +38,16 @@ void yy_camera(FILE* stream)
     };
 
     BlockWord words[] = {
-        once(CODE_POSITION, &myViewPoint.position),
-        once(CODE_LOOK_AT, &myViewPoint.lookAt),
-        any(CODE_UP, &myViewPoint.up),
-        any<double>(CODE_FOV, &myViewPoint.fovX, toHalfRadians),
-        any(CODE_RATIO, &myViewPoint.ratio),
-        any(CODE_APERTURE, &myViewPoint.aperture),
-        any(CODE_FOCAL_LENGTH, &myViewPoint.focalLength),
-        any(CODE_FOCAL_POINT, &focalPoint),
-        also(CODE_CAMERA_SAMPLES, any(CODE_SAMPLES, &myViewPoint.samples, isAboveZero, CAMERA_SAMPLES_FAULT)),
-        choice(CODE_PROJECTION_TYPE, &myViewPoint.projection, projections,
+        once("position", &myViewPoint.position),
+        once("look_at", &myViewPoint.lookAt),
+        any("up", &myViewPoint.up),
+        any<double>("fov", &myViewPoint.fovX, toHalfRadians),
+        any("ratio", &myViewPoint.ratio),
+        any("aperture", &myViewPoint.aperture),
+        any("focal_length", &myViewPoint.focalLength),
+        any("focal_point", &focalPoint),
+        also("camera_samples", any("samples", &myViewPoint.samples, isAboveZero, CAMERA_SAMPLES_FAULT)),
+        choice("projection_type", &myViewPoint.projection, projections,
                " invalid camera projection type specified"),
     };
     readBlock(stream, words, " Unkown parameter in camera structure");
@@ -68,16 +72,16 @@ std::vector<BlockWord> pictureWords()
     myHaze = {};
 
     return {
-        any(CODE_BACKGROUND, &myBackGroundColor),
-        pair(CODE_DISPLAY, &myDisplay.width, &myDisplay.height),
-        choice(CODE_OUTPUT_TYPE, &iImageType, imageTypes, " invalid output file type specified"),
-        name(CODE_OUTPUT_NAME, myDisplay.outputName),
-        choice(CODE_JITTER, &jitter, yesNo, " jitter must be either 'yes' or 'no'"),
-        choice(CODE_ANTIALIASING, &iAntialias, antialiasTypes, " invalid anti-aliasing type specified"),
-        any(CODE_AA_DISTANCE, &adapt_dist),
-        any(CODE_HAZE_COLOR, &myHaze.color),
-        any(CODE_HAZE_FACTOR, &myHaze.factor),
-        any(CODE_JPEG_QUALITY, &jpeg_quality, limitQuality),
+        any("background", &myBackGroundColor),
+        pair("display", &myDisplay.width, &myDisplay.height),
+        choice("output_type", &iImageType, imageTypes, " invalid output file type specified"),
+        name("output_name", myDisplay.outputName),
+        choice("jitter", &jitter, yesNo, " jitter must be either 'yes' or 'no'"),
+        choice("antialiasing", &iAntialias, antialiasTypes, " invalid anti-aliasing type specified"),
+        any("aa_distance", &adapt_dist),
+        any("haze_color", &myHaze.color),
+        any("haze_factor", &myHaze.factor),
+        any("jpeg_quality", &jpeg_quality, limitQuality),
     };
 }
 
@@ -85,6 +89,6 @@ void yy_settings(FILE* stream)
 {
     std::vector<BlockWord> words = pictureWords();
     readBlock(stream, words, " Unkown parameter in settings structure");
-    if (countOf(words, CODE_OUTPUT_NAME) != 1 || countOf(words, CODE_OUTPUT_TYPE) != 1)
+    if (countOf(words, "output_name") != 1 || countOf(words, "output_type") != 1)
         yyerror(" error in settings structure declaration");
 }

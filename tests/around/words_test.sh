@@ -15,9 +15,9 @@ same() { # WHAT WANTED GOT
     }
 }
 
-found=$(sed -n 's/.* NUM_FOUND_KEYWORDS = \([0-9]*\);/\1/p' src/scene/lexer.h)
+found=$(sed -n 's/.* NUM_FOUND_KEYWORDS = \([0-9]*\);/\1/p' src/scene/keywords.h)
 same editors/keywords.txt \
-    "$(sed -n 's/^    {"\([a-z_]*\)", CODE_.*/\1/p' src/scene/lexer.cpp | head -n "$found")" \
+    "$(sed -n 's/^    {"\([a-z_]*\)", [0-9]*},/\1/p' src/scene/keywords.h | head -n "$found")" \
     "$(sed -n -e 's/ statement$//p' -e 's/ parameter$//p' -e 's/ reserved$//p' editors/keywords.txt)"
 
 without() { # PREFIX PAGE prints the words of standard input that do not stand behind PREFIX in PAGE.
