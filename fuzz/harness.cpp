@@ -210,7 +210,6 @@ static void resetScene()
     chaine[0] = strTemp[0] = '\0';
     vect_tmp = {};
     rvb_tmp = {};
-    srand(1); // jitter draws from it
 }
 
 void runWith(std::span<const File> files, void (*body)())

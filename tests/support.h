@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/random.h"
 #include "scene/colors.h"
 #include "scene/current.h"
 #include "scene/keywords.h"
@@ -107,15 +108,15 @@ inline FILE* streamOf(const std::string& text)
     return fmemopen(const_cast<char*>(text.data()), text.size(), "r");
 }
 
-/// How many random numbers `body` draws.
-inline int drawsOf(const std::function<void()>& body)
+/// How many random numbers of a share `body` draws.
+inline int drawsOf(const std::function<void()>& body, size_t share = 0, size_t shares = 1)
 {
-    srand(1);
+    startRandom(share, shares);
     body();
-    const int next = rand();
-    srand(1);
+    const double next = randomNumber();
+    startRandom(share, shares);
     int draws = 0;
-    while (rand() != next)
+    while (randomNumber() != next)
         ++draws;
     return draws;
 }

@@ -1,6 +1,7 @@
 #include "engine/light.h"
 
 #include "bounds/intersec.h"
+#include "engine/random.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -27,11 +28,6 @@ void makeLight(Vec position, Color color, int lightType, int attenuation, int sh
         .cosMaxAngle = cosMaxAngle,
     };
     addToList(&myLightList, self);
-}
-
-double randomNumber()
-{
-    return rand() / 2147483647.0;
 }
 
 Vec jitterVector()

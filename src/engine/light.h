@@ -22,6 +22,3 @@ Color smoothShadow(const Object* light, const Object* object, const Ray* ray, do
 
 /// A unit vector from three random numbers, drawn for x, y and z in this order, in a cube around 0.
 Vec jitterVector();
-
-/// A random number from 0 to 1.
-double randomNumber();

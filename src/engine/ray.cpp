@@ -1,7 +1,7 @@
 #include "engine/ray.h"
 
 #include "bounds/intersec.h"
-#include "engine/light.h"
+#include "engine/random.h"
 #include "engine/shade.h"
 
 #include <cmath>

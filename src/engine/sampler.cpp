@@ -1,7 +1,7 @@
 #include "engine/sampler.h"
 
 #include "core/trace.h"
-#include "engine/light.h"
+#include "engine/random.h"
 #include "engine/ray.h"
 #include "picture/image.h"
 
@@ -36,11 +36,18 @@ struct Sampler {
     int level = 0;
 };
 
-static Sampler startSampler(void* band)
+/// A sampler before its band, and before the band's share of the random numbers: only bands with rows have
+/// one.
+static Sampler startSampler(void* argument)
 {
-    Sampler sampler{.band = iBounds[reinterpret_cast<intptr_t>(band)],
-                    .width = static_cast<size_t>(myDisplay.width),
-                    .ray = {}};
+    const Band* band = &iBounds[reinterpret_cast<intptr_t>(argument)];
+    const auto withRows = [](const Band* first, const Band* end) {
+        const auto count = std::count_if(first, end, [](const Band& b) { return b.first < b.end; });
+        return static_cast<size_t>(count);
+    };
+    startRandom(withRows(iBounds, band), std::max<size_t>(withRows(iBounds, iBounds + numThreads), 1));
+
+    Sampler sampler{.band = *band, .width = static_cast<size_t>(myDisplay.width), .ray = {}};
     startRay(&sampler.ray);
     return sampler;
 }

@@ -58,8 +58,9 @@ static Bytes adaptive(double x, double y, double size)
     return meanOf(adaptive(x, y, h), adaptive(x + h, y, h), adaptive(x, y + h, h), adaptive(x + h, y + h, h));
 }
 
-/// The pixels that a sampler hands on from two bands.
-static std::string picture(void* (*sampler)(void*), int firstRowsInBand0)
+/// The pixels that a sampler hands on from two bands, or from some of them.
+static std::string picture(void* (*sampler)(void*), int firstRowsInBand0,
+                           const std::vector<intptr_t>& bands = {0, 1})
 {
     const Folder folder;
     iImageType = PPM;
@@ -67,7 +68,7 @@ static std::string picture(void* (*sampler)(void*), int firstRowsInBand0)
     iBounds[1] = {firstRowsInBand0, HEIGHT};
     printed([&] {
         openImage((folder.path + "/x").c_str(), WIDTH, HEIGHT);
-        for (intptr_t band : {0, 1})
+        for (const intptr_t band : bands)
             sampler(reinterpret_cast<void*>(band));
         closeImage();
     });
@@ -100,27 +101,35 @@ TEST_F(SamplerTest, PicturesFollowTheirDefinitionWhateverTheBands)
     }
 }
 
+TEST_F(SamplerTest, EachBandWithRowsMovesItsSamplesByItsShareOfTheNumbers)
+{
+    jitter = 1;
+    for (const int rows : {0, 2, HEIGHT}) {
+        const size_t shares = rows > 0 && rows < HEIGHT ? 2 : 1;
+        const auto moved = [&](double x, double y) {
+            if (x == 0 && (y == 0 || y == rows))
+                startRandom(y > 0 ? 1 : 0, shares);
+            y += randomNumber(); // the first number is for y
+            return sample(x + randomNumber(), y);
+        };
+        EXPECT_EQ(picture(scanNone, rows), pictureOf(moved)) << rows;
+    }
+}
+
 TEST_F(SamplerTest, NoSampleIsTakenTwice)
 {
-    jitter = 1; // two random numbers for each sample, the first for y
-    srand(7);
-    const std::string moved = picture(scanNone, HEIGHT);
-    srand(7);
-    EXPECT_EQ(moved, pictureOf([](double x, double y) {
-                  y += rand() / 2147483647.0;
-                  return sample(x + rand() / 2147483647.0, y);
-              }));
+    jitter = 1; // two random numbers for each sample
     constexpr int W = WIDTH, H = HEIGHT;
     const auto samples = [](void* (*sampler)(void*), int rows, int distance) {
         adapt_dist = distance;
-        return drawsOf([=] { picture(sampler, rows); }) / 2;
+        return drawsOf([=] { picture(sampler, rows, {0}); }) / 2;
     };
-    EXPECT_EQ(samples(scanNone, 2, 0), W * H);
-    EXPECT_EQ(samples(scanCorners, 2, 0), (W + 1) * (H + 2)); // a line above each band
-    EXPECT_EQ(samples(scanCorners, 0, 0), (W + 1) * (H + 1)); // nothing for an empty band
+    EXPECT_EQ(samples(scanNone, 2, 0), W * 2);
+    EXPECT_EQ(samples(scanCorners, 2, 0), (W + 1) * 3); // a line above each band
+    EXPECT_EQ(samples(scanCorners, 0, 0), 0);           // nothing for an empty band
     // The left edge of each row is new, the top edge in the first row of a band. Then all 25 points of each
     // pixel.
-    EXPECT_EQ(samples(scanAdaptive, 2, 256), (W + 1) * (H + 2) + H - 2);
+    EXPECT_EQ(samples(scanAdaptive, 2, 256), (W + 1) * 3 + 1);
     EXPECT_EQ(samples(scanAdaptive, H, 0), (4 * W + 1) * (4 * H + 1) + H - 1);
 }
 
