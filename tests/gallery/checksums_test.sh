@@ -1,5 +1,6 @@
 #!/bin/sh
-# Renders every example without random sampling, small, and holds the pictures against their checksums.
+# Renders every example, small, with 2, 4 and 8 threads, and holds the pictures against their checksums. Only
+# a scene with random sampling has another one for each number of threads.
 #
 # Usage: checksums_test.sh VARLO [update]; with `update` the file `checksums` is written anew instead.
 #
@@ -9,23 +10,26 @@
 set -eu
 
 export LC_ALL=C
-varlo=$1
+varlo=$(realpath -- "$1")
 here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
 examples=$here/../../examples
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # The generated includes are made afresh, so the scenes are rendered where the source tree is not touched.
-cp "$examples"/*.vlo "$examples"/*.inc "$work"
+cp -r "$examples"/. "$work"
 "$examples/generate" "$work"
 cd "$work"
-for scene in *.vlo; do
-    ! head -n 1 "$scene" | grep -q '^; *random' || continue
-    "$varlo" -i "$scene" -o "${scene%.vlo}" -ppm -r 160 120 -t 2 >log || {
-        cat log
-        echo "$scene cannot be rendered" >&2
-        exit 1
-    }
+for scene in *.vlo *.set; do
+    how=-i
+    [ "${scene%.set}" = "$scene" ] || how=-3ds
+    for threads in 2 4 8; do
+        "$varlo" $how "$scene" -o "${scene%.*}-$threads" -ppm -r 160 120 -t $threads >log || {
+            cat log
+            echo "$scene cannot be rendered" >&2
+            exit 1
+        }
+    done
 done
 sha256sum ./*.ppm | sed 's/ \.\// /' >found
 
@@ -33,9 +37,9 @@ if [ "${2:-}" = update ]; then
     cp found "$here/checksums"
     exit
 fi
-wrong=$(sort "$here/checksums" found | uniq -u | sed 's/.* //; s/ppm$/vlo/' | sort -u)
+wrong=$(sort "$here/checksums" found | uniq -u | sed 's/.* //; s/\.ppm$//' | sort -u)
 [ -z "$wrong" ] || {
-    echo "These scenes are new or gone, or their pictures have changed:" >&2
+    echo "These pictures are new or gone, or have changed (example and number of threads):" >&2
     echo "$wrong" >&2
     exit 1
 }
