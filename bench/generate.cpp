@@ -1,7 +1,7 @@
 // Writes the scenes of the measurements, in the spirit of the standard procedural databases: families of one
 // kind of load each, with a size, in the languages of several programs, to compare them on equal work.
 //
-// generate FOLDER [FAMILY SIZE] writes every family in its usual size, or one.
+// generate FOLDER [FAMILY SIZE [EXTENSION]] writes every family in its usual size, or one, in one language.
 
 #include "core/vector.h"
 
@@ -396,9 +396,11 @@ static const struct {
 int main(int argc, char** argv)
 {
     for (const auto& family : families) {
-        if (argc != 2 && (argc != 4 || strcmp(family.name, argv[2]) != 0))
+        if (argc != 2 && (argc < 4 || strcmp(family.name, argv[2]) != 0))
             continue;
         for (language = 0; language < family.languages; ++language) {
+            if (argc == 5 && strcmp(extensions[language], argv[4]) != 0)
+                continue;
             const std::string name = std::string(argv[1]) + '/' + family.name + '.' + extensions[language];
             scene = fopen(name.c_str(), "w");
             if (scene == nullptr) {
@@ -414,7 +416,7 @@ int main(int argc, char** argv)
             const double z = family.floor;
             quad({-5, -5, z}, {5, -5, z}, {5, 5, z}, {-5, 5, z});
             surface(family.color, family.mirror);
-            family.write(argc == 4 ? atoi(argv[3]) : family.size);
+            family.write(argc >= 4 ? atoi(argv[3]) : family.size);
             put(END, {});
             fclose(scene);
         }
