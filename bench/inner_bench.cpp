@@ -3,13 +3,10 @@
 #include "bounds/bound.h"
 #include "bounds/intersec.h"
 #include "bounds/packed.h"
-#include "primitives/cone.h"
-#include "primitives/patch.h"
-#include "primitives/plane.h"
-#include "primitives/polygon.h"
-#include "primitives/ring.h"
-#include "primitives/sphere.h"
-#include "primitives/triangle.h"
+#include "bounds/pqueue.h"
+#include "bounds/slab.h"
+#include "core/settings.h"
+#include "primitives/kinds.h"
 #include "scene/lexer.h"
 
 #include <benchmark/benchmark.h>
@@ -64,9 +61,8 @@ static void addPrimitives()
         {"patch", makePatch(patch)},
     };
     for (const auto& kind : kinds)
-        addRays(kind.name, [object = kind.object](const Ray* ray) {
-            return object->ObjectIntersect(object, ray, &hit);
-        });
+        addRays(kind.name,
+                [object = kind.object](const Ray* ray) { return ObjectIntersect(object, ray, &hit); });
     addRays("slab test", [node = kinds[0].object](const Ray* ray) {
         double key;
         return passesSlabs(node, NO_LIMIT, &ray->origin.x, &ray->direction.x, &key);
@@ -120,8 +116,7 @@ static void scanner(benchmark::State& state)
 
 int main(int argc, char** argv)
 {
-    for (int axis = 0; axis < 3; ++axis)
-        Slab[axis] = {axis == 0 ? 1.0 : 0.0, axis == 1 ? 1.0 : 0.0, axis == 2 ? 1.0 : 0.0};
+    setStartValues();
     addPrimitives();
     addWalks();
     benchmark::RegisterBenchmark("heap, 32 in and out", heap);

@@ -4,6 +4,9 @@
 #include "bounds/intersec.h"
 #include "bounds/packed.h"
 #include "core/data.h"
+#include "core/settings.h"
+#include "core/surface.h"
+#include "engine/light.h"
 #include "engine/ray.h"
 #include "scene/colors.h"
 #include "scene/current.h"
@@ -187,22 +190,10 @@ int LLVMFuzzerInitialize(int*, char***)
 /// Gives every global that a scene changes its start value. The lists are not freed: their memory was.
 static void resetScene()
 {
-    for (int i = 0; i < 3; ++i)
-        Slab[i] = {i == 0 ? 1.0 : 0.0, i == 1 ? 1.0 : 0.0, i == 2 ? 1.0 : 0.0};
-    myObjectList = myLightList = nullptr;
-    myColorList = nullptr;
-    nPrims = 0;
-    myViewPoint = {};
-    myDisplay = {};
-    myHaze = {};
-    myBackGroundColor = {};
-    surface = {};
-    iAntialias = AA_NONE;
-    iImageType = BMP;
-    adapt_dist = 20;
-    bunching = 4;
+    setStartValues();
     iPQSize = 1024; // too few entries would end the process for good
-    jitter = jpeg_quality = iCameraIndex = 0;
+    myColorList = nullptr;
+    surface = {};
     comptligne = 1;
     type_motcle = 0;
     mot_cle = val_INT = 0;
@@ -253,9 +244,10 @@ void shootRays()
         return;
     // How often a ray is repeated changes the time only.
     for (Object* object = myObjectList; object != nullptr; object = object->next)
-        object->surface.reflectionSamples = std::min(object->surface.reflectionSamples, 1);
+        const_cast<int&>(object->surface->reflectionSamples) =
+            std::min(object->surface->reflectionSamples, 1);
     for (Object* light = myLightList; light != nullptr; light = light->next)
-        light->light.samples = std::min(light->light.samples, 1);
+        const_cast<int&>(recordOf<Light>(light).samples) = std::min(recordOf<Light>(light).samples, 1);
     myViewPoint.samples = 1;
     blocksLeft = -1; // from here on a lack of memory ends the process for good
     myDisplay.width = myDisplay.height = RAYS;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/settings.h"
+#include "core/surface.h"
 #include "engine/random.h"
 #include "scene/colors.h"
 #include "scene/current.h"
@@ -22,29 +24,11 @@
 /// Gives every global that a scene or the command line changes its start value.
 inline void resetScene()
 {
-    static auto& kept = *new std::vector<Object*>; // primitives live to the end,
-                                                   // as in the program
-    kept.push_back(myObjectList);
     freeList(&myLightList);
     freeColorList(&myColorList);
-    myObjectList = nullptr;
-    nPrims = 0;
-    myViewPoint = {};
-    myDisplay = {};
-    myHaze = {};
-    myBackGroundColor = {};
+    setStartValues();
     surface = {};
-    iAntialias = AA_NONE;
-    iImageType = BMP;
-    adapt_dist = 20;
-    numThreads = 2;
-    iPQSize = 128;
     comptligne = 1;
-    jitter = jpeg_quality = use3ds = iCameraIndex = 0;
-    inputFileName[0] = '\0';
-    bunching = 4;
-    for (int i = 0; i < 3; ++i)
-        Slab[i] = {i == 0 ? 1.0 : 0.0, i == 1 ? 1.0 : 0.0, i == 2 ? 1.0 : 0.0};
 }
 
 struct SceneTest : testing::Test {
@@ -53,6 +37,12 @@ struct SceneTest : testing::Test {
         resetScene();
     }
 };
+
+/// Gives `object` a surface of its own.
+inline void paint(Object* object, const SurfaceAttrib& skin)
+{
+    object->surface = new SurfaceAttrib(skin);
+}
 
 inline void expectNear(Vec actual, Vec expected)
 {

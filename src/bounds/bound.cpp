@@ -1,9 +1,10 @@
 #include "bounds/bound.h"
 
-#include "bounds/pqueue.h"
+#include "core/fatal.h"
+#include "core/settings.h"
 
 #include <cassert>
-#include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 
 constinit int iNumNodes = 0;
@@ -12,8 +13,8 @@ static constinit int total = 0;       // records that stand in the top-level lis
 static constinit int Axis = 0;        // result of findAxis: 0, 1 or 2
 static constinit double Median = 0.0; // result of findAxis: a mean position
 
-/// Twice the centre of a record: it is only compared, so it is never halved.
-static double position(const Object* object, int axis)
+/// Twice the centre of the bounds: it is only compared, so it is never halved.
+static double doubledCenter(const Object* object, int axis)
 {
     return object->boundsMax[axis] + object->boundsMin[axis];
 }
@@ -32,7 +33,7 @@ void findAxis(const Object* first, int count)
             fatal(message);
         }
         for (int axis = 0; axis < 3; ++axis) {
-            const double p = position(top, axis);
+            const double p = doubledCenter(top, axis);
             if (p < lowest[axis])
                 lowest[axis] = p;
             if (p > highest[axis])
@@ -85,14 +86,13 @@ static void moveRecords(Side* from, Side* to, int count)
 /// Wraps the `count` records at `*link` into a node that takes their place.
 static void wrap(Object** link, int count)
 {
-    auto* node = static_cast<Object*>(calloc(1, offsetof(Object, sphere))); // it has no tail
-    auto* children = static_cast<ChildList*>(malloc(sizeof(ChildList)));
-    if (node == nullptr || children == nullptr)
+    auto* record = static_cast<BoundingNode*>(calloc(1, sizeof(BoundingNode)));
+    if (record == nullptr)
         fatal(OUT_OF_MEMORY);
     total -= count - 1;
-    *children = {.count = count, .first = *link};
+    record->children = {.first = *link, .count = count};
+    Object* node = &record->head;
     node->type = BOUNDING_NODE;
-    node->children = children;
     for (int axis = 0; axis < 3; ++axis) {
         node->boundsMin[axis] = NO_LIMIT;
         node->boundsMax[axis] = -NO_LIMIT;
@@ -130,7 +130,7 @@ int sortAndSplit(Object** link, int count)
     for (int i = 0; i < count; ++i) {
         Object* record = rest;
         rest = rest->next;
-        push(position(record, Axis) < Median ? &low : &high, record);
+        push(doubledCenter(record, Axis) < Median ? &low : &high, record);
     }
     // However the records lie, both sides get some.
     if (low.count == 0)

@@ -5,6 +5,24 @@
 // Turns the list of primitives, in place, into a tree of bounding nodes: repeated passes over the list, each
 // of which splits it around mean positions until the pieces are small enough to be wrapped into one node.
 
+/// The members of a bounding node.
+struct ChildList {
+    Object* first; // chained by `next`
+    int count;     // at least 2
+};
+
+/// Bounds around the bounds of its members. It has no surface.
+struct BoundingNode {
+    Object head;
+    ChildList children;
+};
+
+/// The members of a record of type BOUNDING_NODE.
+static inline const ChildList& childrenOf(const Object* node)
+{
+    return recordOf<BoundingNode>(node).children;
+}
+
 extern int iNumNodes; // bounding nodes of the tree
 
 /// Builds the tree over myObjectList: afterwards its root, or the only primitive, or null. Raises nPrims by

@@ -1,32 +1,15 @@
 #include "bounds/intersec.h"
 
+#include "bounds/bound.h"
 #include "bounds/packed.h"
+#include "bounds/slab.h"
 #include "bounds/walk.h"
+#include "core/fatal.h"
+#include "core/settings.h"
+#include "primitives/kinds.h"
 
 #include <cmath>
 #include <cstdlib>
-
-bool passesSlabs(const Object* node, double limit, const double origin[3], const double direction[3],
-                 double* key)
-{
-    double near = -NO_LIMIT, far = limit;
-    for (int i = 0; i < 3; ++i) {
-        // Along this axis the ray stays where it is; the object's own test decides.
-        if (direction[i] == 0.0)
-            continue;
-        const double a = (node->boundsMin[i] - origin[i]) / direction[i];
-        const double b = (node->boundsMax[i] - origin[i]) / direction[i];
-        const double lesser = a > b ? b : a, greater = a > b ? a : b;
-        if (greater < far)
-            far = greater;
-        if (lesser > near)
-            near = lesser;
-        if (near > far || EPSILON > far)
-            return false;
-    }
-    *key = near;
-    return true;
-}
 
 void checkAndEnqueue(const Object* node, double limit, const double origin[3], const double direction[3],
                      PQEntry* queue, int* count)
@@ -60,13 +43,13 @@ int intersectByHeap(const Ray* ray, double limit, Hit* hit, const Object* exclud
         if (key > best)
             break; // all that is left begins behind the best hit
         if (node->type == BOUNDING_NODE) {
-            for (const Object* member = node->children->first; member != nullptr; member = member->next)
+            for (const Object* member = childrenOf(node).first; member != nullptr; member = member->next)
                 if (member != exclude)
                     checkAndEnqueue(member, limit, origin, direction, queue, &count);
             continue;
         }
         Hit scratch;
-        if (node->ObjectIntersect(node, ray, &scratch) && scratch.distance < best) {
+        if (ObjectIntersect(node, ray, &scratch) && scratch.distance < best) {
             *hit = scratch;
             closest = node;
             best = scratch.distance;
@@ -101,7 +84,7 @@ int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
     if (myObjectList == nullptr)
         return 0;
     if (myObjectList->type != BOUNDING_NODE)
-        return myObjectList->ObjectIntersect(myObjectList, ray, hit);
+        return ObjectIntersect(myObjectList, ray, hit);
     if (packedRoot != 0) {
         const Object* found;
         switch (walkToNearest(*ray, limit, exclude, &found)) {
@@ -110,7 +93,7 @@ int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
             return 0;
         case Answer::FOUND:
             checkWalk(ray, limit, exclude, true, found);
-            return found->ObjectIntersect(found, ray, hit); // the walk has only kept the distance
+            return ObjectIntersect(found, ray, hit); // the walk has only kept the distance
         case Answer::UNSURE:
             break;
         }

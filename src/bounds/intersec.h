@@ -15,11 +15,6 @@ bool isBlocked(const Ray* ray, double limit, const Object* exclude);
 /// agree.
 int intersectByHeap(const Ray* ray, double limit, Hit* hit, const Object* exclude);
 
-/// The slab test: whether the ray meets the bounds of `node` before `limit`, and where it enters them. From
-/// inside, `*key` is negative.
-bool passesSlabs(const Object* node, double limit, const double origin[3], const double direction[3],
-                 double* key);
-
 /// Puts `node` into the queue if it passes the slab test.
 void checkAndEnqueue(const Object* node, double limit, const double origin[3], const double direction[3],
                      PQEntry* queue, int* count);

@@ -2,6 +2,7 @@
 
 #include "bounds/bound.h"
 #include "bounds/pqueue.h"
+#include "core/settings.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -23,7 +24,7 @@ namespace
 /// The work of one packTree.
 struct Packing {
     PackedNode* next;       // where the next node goes
-    bool isEnclosed = true; // no bound so far that is not a number
+    bool hasNumbers = true; // all bounds so far are numbers
 };
 } // namespace
 
@@ -33,7 +34,7 @@ static void packBounds(const Object* member, PackedNode* packed, int lane, Packi
 {
     for (int axis = 0; axis < 3; ++axis) {
         const auto [low, high] = std::minmax(member->boundsMin[axis], member->boundsMax[axis]);
-        packing->isEnclosed = packing->isEnclosed && low <= high;
+        packing->hasNumbers = packing->hasNumbers && low <= high;
         packed->planes[axis][lane] = packedBound(low);
         packed->planes[3 + axis][lane] = packedBound(high);
     }
@@ -50,7 +51,7 @@ struct Members {
 
 static void addMembers(const Object* node, Members* members)
 {
-    for (const Object* member = node->children->first; member != nullptr; member = member->next)
+    for (const Object* member = childrenOf(node).first; member != nullptr; member = member->next)
         members->objects[members->count++] = member;
 }
 
@@ -61,7 +62,7 @@ static Members gatherMembers(const Object* node)
     addMembers(node, &members);
     for (int i = 0; i < members.count;) {
         const Object* member = members.objects[i];
-        if (member->type != BOUNDING_NODE || members.count - 1 + member->children->count > LANES) {
+        if (member->type != BOUNDING_NODE || members.count - 1 + childrenOf(member).count > LANES) {
             ++i;
             continue;
         }
@@ -84,12 +85,9 @@ static PackedMember pack(const Object* node, Packing* packing)
     for (int lane = 0; lane < members.count; ++lane) {
         const Object* member = members.objects[lane];
         packBounds(member, packed, lane, packing);
-        packed->members[lane] = member->type == BOUNDING_NODE ? pack(member, packing)
-                                                              : reinterpret_cast<PackedMember>(member) |
-                                                                    static_cast<PackedMember>(member->type);
+        packed->members[lane] = member->type == BOUNDING_NODE ? pack(member, packing) : memberOf(member);
     }
-    return reinterpret_cast<PackedMember>(packed) | BOUNDING_NODE |
-           static_cast<PackedMember>(members.folded << 4);
+    return memberOf(packed, members.folded);
 }
 
 void packTree()
@@ -107,12 +105,12 @@ void packTree()
     if (packing.next == nullptr)
         return;
     packedRoot = pack(myObjectList, &packing);
-    if (!packing.isEnclosed)
+    if (!packing.hasNumbers)
         releasePackedTree();
 }
 
 void releasePackedTree()
 {
-    free(const_cast<PackedNode*>(memberNode(packedRoot)));
+    free(const_cast<PackedNode*>(nodeOf(packedRoot)));
     packedRoot = 0;
 }

@@ -6,38 +6,62 @@
 
 constexpr int LANES = 4; // members of a packed node, at most `bunching` of them in use
 
-/// A member of a packed node in one word: the address of a PackedNode or of a primitive's Object, and in the
-/// low four bits, which the alignment of both leaves free, its type. For a node the next two bits tell how
-/// many nodes of the tree were folded into it.
+/// A member of a packed node in one word: the address of a PackedNode or of a primitive, and in the low bits,
+/// which the alignment of both leaves free, what it is. 0 is no member.
 using PackedMember = uintptr_t;
 
 /// A bounding node in the form that the walk reads: the bounds of all its members side by side, so that one
-/// test serves them all, in two cache lines. While lanes are free, the members of a member take its place, so
-/// that the walk opens fewer nodes than the tree has. The planes stand as lower x, y, z, upper x, y, z. An
-/// empty lane lies behind itself: no ray passes it.
+/// test serves them all. While lanes are free, the members of a member take its place, so that the walk opens
+/// fewer nodes than the tree has. The planes stand as lower x, y, z, upper x, y, z. An empty lane lies behind
+/// itself: no ray passes it.
 struct alignas(64) PackedNode {
     float planes[6][LANES];
     PackedMember members[LANES];
 };
 
-static inline int memberType(PackedMember member)
+// The lowest three bits tell a node from the kinds of primitive, which are numbered from 0; the next three
+// hold the number of nodes of the tree that were folded into a node.
+constexpr PackedMember TAG_BITS = 7, NODE_TAG = 7;
+constexpr int FOLDED_SHIFT = 3;
+constexpr PackedMember FOLDED_BITS = 7 << FOLDED_SHIFT;
+static_assert(PATCH - SPHERE < NODE_TAG && LANES - 2 <= FOLDED_BITS >> FOLDED_SHIFT);
+static_assert(alignof(Object) > TAG_BITS && alignof(PackedNode) > (TAG_BITS | FOLDED_BITS));
+
+static inline PackedMember memberOf(const Object* primitive)
 {
-    return static_cast<int>(member & 15);
+    return reinterpret_cast<PackedMember>(primitive) | static_cast<PackedMember>(primitive->type - SPHERE);
 }
 
-static inline int foldedNodes(PackedMember member)
+static inline PackedMember memberOf(const PackedNode* node, int folded)
 {
-    return static_cast<int>(member >> 4 & 3);
+    return reinterpret_cast<PackedMember>(node) | NODE_TAG |
+           static_cast<PackedMember>(folded) << FOLDED_SHIFT;
 }
 
-static inline const PackedNode* memberNode(PackedMember member)
+static inline bool isNode(PackedMember member)
 {
-    return reinterpret_cast<const PackedNode*>(member & ~PackedMember{63});
+    return (member & TAG_BITS) == NODE_TAG;
 }
 
-static inline const Object* memberObject(PackedMember member)
+static inline const PackedNode* nodeOf(PackedMember member)
 {
-    return reinterpret_cast<const Object*>(member & ~PackedMember{15});
+    return reinterpret_cast<const PackedNode*>(member & ~(TAG_BITS | FOLDED_BITS));
+}
+
+static inline int foldedNodesOf(PackedMember member)
+{
+    return static_cast<int>((member & FOLDED_BITS) >> FOLDED_SHIFT);
+}
+
+static inline const Object* objectOf(PackedMember member)
+{
+    return reinterpret_cast<const Object*>(member & ~TAG_BITS);
+}
+
+/// The type of a primitive, known without a look at its record.
+static inline int typeOf(PackedMember member)
+{
+    return static_cast<int>(member & TAG_BITS) + SPHERE;
 }
 
 /// The packed copy of the tree at myObjectList, its root first and a node's subtrees behind it in their

@@ -1,5 +1,8 @@
 #include "bounds/pqueue.h"
 
+#include "core/fatal.h"
+#include "core/settings.h"
+
 #include <cstdio>
 #include <utility>
 

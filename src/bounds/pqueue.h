@@ -2,9 +2,6 @@
 
 #include "core/data.h"
 
-/// The end of a run that finds no memory for a queue or for the tree.
-constexpr const char* OUT_OF_MEMORY = "\n\n VARLO is out of memory...\n";
-
 /// One entry of a traversal queue: `key` is where the ray enters the bounds of `node`.
 struct PQEntry {
     double key;

@@ -1,14 +1,9 @@
 #include "bounds/walk.h"
 
-#include "bounds/intersec.h"
 #include "bounds/packed.h"
-#include "primitives/cone.h"
-#include "primitives/patch.h"
-#include "primitives/plane.h"
-#include "primitives/polygon.h"
-#include "primitives/ring.h"
-#include "primitives/sphere.h"
-#include "primitives/triangle.h"
+#include "bounds/slab.h"
+#include "core/settings.h"
+#include "primitives/kinds.h"
 
 #include <bit>
 #include <cmath>
@@ -155,29 +150,6 @@ static inline int enterMembers(const PackedNode& node, const WalkRay& ray, Lanes
     return lanesOf(*keys <= lesser(lesser(out[0], out[1]), lesser(out[2], ray.limit)));
 }
 
-/// The distance at which `ray` meets a primitive. False on a miss.
-static inline bool reach(PackedMember member, const Ray& ray, double* t)
-{
-    const Object* object = memberObject(member);
-    double u, v;
-    switch (memberType(member)) {
-    case SPHERE:
-        return sphereReach(object->sphere, ray, t);
-    case PLANE:
-        return planeReach(object->plane, ray, t);
-    case RING:
-        return ringReach(object->ring, ray, t);
-    case TRIANGLE:
-        return triangleReach(object->triangle, ray, t);
-    case POLYGON:
-        return polygonReach(object->polygon, ray, t);
-    case CONE:
-        return coneReach(object->cone, ray, t);
-    default:
-        return patchReach(object->patch, ray, t, &u, &v);
-    }
-}
-
 /// Takes one of the members in `mask`, which holds one at least, and puts the others onto the stack: the
 /// nearest first, or in any order, which is quicker.
 template <bool nearestFirst>
@@ -226,11 +198,11 @@ static Answer walk(const Ray& ray, double limit, const Object* exclude, const Ob
     Stack stack;
     PackedMember member = packedRoot;
     do {
-        while (memberType(member) == BOUNDING_NODE) {
-            const PackedNode& node = *memberNode(member);
+        while (isNode(member)) {
+            const PackedNode& node = *nodeOf(member);
             Lanes keys;
             const int passing = enterMembers(node, lanes, &keys);
-            queued += gainOf[passing] + foldedNodes(member);
+            queued += gainOf[passing] + foldedNodesOf(member);
             const int mask = passing & lanesOf(keys <= reachable);
             if (stack.size > Stack::SIZE)
                 return Answer::UNSURE;
@@ -238,9 +210,9 @@ static Answer walk(const Ray& ray, double limit, const Object* exclude, const Ob
         }
         if (member == NO_MEMBER)
             continue;
-        const Object* object = memberObject(member);
+        const Object* object = objectOf(member);
         double t;
-        if (object == exclude || !reach(member, ray, &t) || !(t < second))
+        if (object == exclude || !reach(object, typeOf(member), ray, &t) || !(t < second))
             continue;
         if (double exact; any && passesSlabs(object, limit, lanes.origin, lanes.direction, &exact)) {
             *found = object;

@@ -1,6 +1,6 @@
 #include "core/args.h"
 
-#include "core/data.h"
+#include "core/settings.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,6 +2,7 @@
 #include "bounds/packed.h"
 #include "core/args.h"
 #include "core/data.h"
+#include "core/settings.h"
 #include "core/trace.h"
 #include "import3ds/scene3ds.h"
 #include "scene/parser.h"
@@ -10,15 +11,7 @@
 
 int main(int argc, char* argv[])
 {
-    Slab[0] = {1.0, 0.0, 0.0};
-    Slab[1] = {0.0, 1.0, 0.0};
-    Slab[2] = {0.0, 0.0, 1.0};
-    iAntialias = AA_NONE;
-    adapt_dist = 20;
-    iImageType = BMP;
-    bunching = 4;
-    use3ds = 0;
-
+    setStartValues();
     showCredits();
     if (argc < 2) {
         showUsage();

@@ -1,13 +1,26 @@
 #include "core/surface.h"
 
+#include <array>
+#include <bit>
+#include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 
-void setSurfaceAttrib(Object* object, double red, double green, double blue, double ambient, double diffuse,
+static constinit const SurfaceAttrib* latest = nullptr; // that an object was given
+
+/// Whether all bits are the same: a zero has a sign, and something that is no number is like itself.
+static bool isSame(const SurfaceAttrib& a, const SurfaceAttrib& b)
+{
+    using Bytes = std::array<std::byte, sizeof(SurfaceAttrib)>; // none of them is padding
+    return std::bit_cast<Bytes>(a) == std::bit_cast<Bytes>(b);
+}
+
+bool setSurfaceAttrib(Object* object, double red, double green, double blue, double ambient, double diffuse,
                       double brilliance, double specular, double roughness, double reflection,
                       double refraction, double refractionIndex, int reflectionType, int reflectionSamples,
                       double reflectionRadius)
 {
-    object->surface = {
+    const SurfaceAttrib wanted = {
         .color = {red, green, blue},
         .ambient = ambient,
         .diffuse = diffuse,
@@ -21,6 +34,20 @@ void setSurfaceAttrib(Object* object, double red, double green, double blue, dou
         .refraction = refraction,
         .refractionIndex = refractionIndex,
     };
+    if (latest == nullptr || !isSame(wanted, *latest)) {
+        auto* record = static_cast<SurfaceAttrib*>(malloc(sizeof wanted));
+        if (record == nullptr)
+            return false;
+        *record = wanted;
+        latest = record;
+    }
+    object->surface = latest;
+    return true;
+}
+
+void forgetSurface()
+{
+    latest = nullptr;
 }
 
 void printSurfaceAttrib(const SurfaceAttrib* surface)

@@ -2,12 +2,34 @@
 
 #include "core/data.h"
 
-/// Copies a surface into `object`. Mind the order, which is not that of the fields: sharpness of the
-/// reflection comes behind everything else.
-void setSurfaceAttrib(Object* object, double red, double green, double blue, double ambient, double diffuse,
+enum ReflectionType { SHARP_REFLECTION, FUZZY_REFLECTION };
+
+/// The optical properties of a surface. The start values are those of an empty `surface` block.
+struct SurfaceAttrib {
+    Color color{};
+    double ambient = 0.0;
+    double diffuse = 0.0;
+    double brilliance = 0.0;
+    double specular = 0.0;
+    double roughness = 0.0; // the exponent of the highlight itself: larger is smaller
+    double reflection = 0.0;
+    int reflectionType = SHARP_REFLECTION;
+    int reflectionSamples = 10;
+    double reflectionRadius = 1.0;
+    double refraction = 0.0;
+    double refractionIndex = 1.0; // only above 1.0 does a ray pass
+};
+
+/// Gives `object` a surface of these values. Objects that get the same one after another share a record,
+/// which lasts to the end of the process. Mind the order, which is not that of the fields: sharpness of the
+/// reflection comes behind everything else. False without memory; then the object is as it was.
+bool setSurfaceAttrib(Object* object, double red, double green, double blue, double ambient, double diffuse,
                       double brilliance, double specular, double roughness, double reflection,
                       double refraction, double refractionIndex, int reflectionType, int reflectionSamples,
                       double reflectionRadius);
+
+/// Lets the next object have a new record, whatever its surface is.
+void forgetSurface();
 
 /// Prints the colour and the six factors of a surface. For debugging.
 void printSurfaceAttrib(const SurfaceAttrib* surface);

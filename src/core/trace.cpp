@@ -1,11 +1,12 @@
 #include "core/trace.h"
 
 #include "core/data.h"
+#include "core/progress.h"
+#include "core/settings.h"
 #include "engine/ray.h"
 #include "engine/sampler.h"
 #include "picture/image.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -28,23 +29,6 @@ void initMTBounds(int threads)
                       .end = static_cast<int>((i + 1) * height / threads)};
     if (isKnown)
         printf(" Running %d threads\n", threads);
-}
-
-void showProgressInit()
-{
-    // A height that is a multiple of 10 gives 10 marks of six columns, another one mostly 11.
-    if (myDisplay.height % 10 == 0)
-        printf("\n 0%%------------------------------------------------------100%%\n ");
-    else
-        printf("\n 0%%------------------------------------------------------------100%%\n ");
-}
-
-void showProgress(int row)
-{
-    if (row % std::max(myDisplay.height / 10, 1) == 0) {
-        fputs("\xB1\xB1\xB1\xB1\xB1\xB1", stdout);
-        fflush(stdout);
-    }
 }
 
 void doTrace()

@@ -6,9 +6,3 @@ void doTrace();
 
 /// Fills iBounds with `threads` bands and prints the thread line. Anything but 2, 4 or 8 becomes 2.
 void initMTBounds(int threads);
-
-/// Prints the head of the progress bar.
-void showProgressInit();
-
-/// Adds to the bar after each finished row of the picture, from any thread and in any order.
-void showProgress(int row);

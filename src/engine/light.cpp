@@ -9,14 +9,14 @@
 void makeLight(Vec position, Color color, int lightType, int attenuation, int shadowType, double radius,
                int samples, double cosMinAngle, double cosMaxAngle, Vec direction)
 {
-    auto* self = static_cast<Object*>(calloc(1, sizeof(Object)));
+    auto* self = static_cast<Light*>(malloc(sizeof(Light)));
     if (self == nullptr) {
         printf(" Memory allocation for light failed. Light not added to scene.");
         return;
     }
-    self->type = LIGHT;
-    self->surface.color = color;
-    self->light = {
+    *self = {
+        .head = {},
+        .color = color,
         .position = position,
         .direction = unit(direction),
         .lightType = lightType,
@@ -27,7 +27,8 @@ void makeLight(Vec position, Color color, int lightType, int attenuation, int sh
         .cosMinAngle = cosMinAngle,
         .cosMaxAngle = cosMaxAngle,
     };
-    addToList(&myLightList, self);
+    self->head.type = LIGHT;
+    addToList(&myLightList, &self->head);
 }
 
 Vec jitterVector()
@@ -41,25 +42,25 @@ Vec jitterVector()
 
 double makeLightRay(const Object* light, Vec point, Ray* ray)
 {
-    const Vec toLight = light->light.position - point;
+    const Vec toLight = recordOf<Light>(light).position - point;
     *ray = {.origin = point, .direction = unit(toLight)};
     return lengthOf(toLight);
 }
 
 Color getLightColor(const Object* light, const Object* object, const Ray* ray, double distance)
 {
-    return isBlocked(ray, distance, object) ? Color{} : light->surface.color;
+    return isBlocked(ray, distance, object) ? Color{} : recordOf<Light>(light).color;
 }
 
 Color smoothShadow(const Object* light, const Object* object, const Ray* ray, double distance)
 {
-    const double spread = light->light.radius / distance;
+    const double spread = recordOf<Light>(light).radius / distance;
     Color sum{};
-    for (int i = 0; i < light->light.samples; ++i) {
+    for (int i = 0; i < recordOf<Light>(light).samples; ++i) {
         const Ray sample = {.origin = ray->origin,
                             .direction = unit(ray->direction + spread * jitterVector())};
         if (!isBlocked(&sample, distance, object))
-            sum = sum + light->surface.color;
+            sum = sum + recordOf<Light>(light).color;
     }
-    return sum / light->light.samples;
+    return sum / recordOf<Light>(light).samples;
 }

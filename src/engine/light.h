@@ -5,6 +5,23 @@
 // Lights, and what of a light reaches a point. A ray to a light either gets through or it does not: a
 // transparent object casts the same full shadow as an opaque one.
 
+enum LightType { POINT_LIGHT, SPOT_LIGHT };
+enum ShadowType { SHARP_SHADOW, SMOOTH_SHADOW };
+enum Attenuation { NO_ATTENUATION, BY_DISTANCE, BY_SQUARED_DISTANCE };
+
+struct Light {
+    Object head;
+    Color color;
+    Vec position;
+    Vec direction; // unit, towards the target of a spot; of no meaning for a point light
+    int lightType;
+    int shadowType;
+    int attenuation;
+    int samples;   // shadow rays of a smooth shadow
+    double radius; // size of the light for a smooth shadow
+    double cosMinAngle, cosMaxAngle;
+};
+
 /// Makes a light and puts it onto myLightList; mind that the attenuation comes ahead of the shadow type.
 /// `direction` need not be unit. Without memory it says so on standard output and adds nothing.
 void makeLight(Vec position, Color color, int lightType, int attenuation, int shadowType, double radius,

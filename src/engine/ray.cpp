@@ -1,8 +1,10 @@
 #include "engine/ray.h"
 
 #include "bounds/intersec.h"
+#include "core/settings.h"
 #include "engine/random.h"
 #include "engine/shade.h"
+#include "primitives/kinds.h"
 
 #include <cmath>
 
@@ -101,7 +103,7 @@ double trace(const Ray* ray, Color* color, int* level)
         return NO_LIMIT;
     }
     const Vec point = ray->origin + hit.distance * ray->direction;
-    Vec normal = hit.object->ObjectNormal(hit.object, point, &hit);
+    Vec normal = ObjectNormal(hit.object, point, &hit);
     if (dot(normal, ray->direction) > 0.0)
         normal = -normal;
     shade(hit.object, ray, normal, point, color, level, &hit);

@@ -1,6 +1,7 @@
 #include "engine/sampler.h"
 
-#include "core/trace.h"
+#include "core/progress.h"
+#include "core/settings.h"
 #include "engine/random.h"
 #include "engine/ray.h"
 #include "picture/image.h"

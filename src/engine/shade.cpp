@@ -1,5 +1,7 @@
 #include "engine/shade.h"
 
+#include "core/settings.h"
+#include "core/surface.h"
 #include "engine/light.h"
 #include "engine/ray.h"
 
@@ -63,29 +65,30 @@ static void attenuate(const Light& light, double distance, Color* lit)
 }
 
 /// What one light adds to `color`. `mirror` is read only by a surface with a highlight.
-static void addLight(const Object* light, const Object* object, Vec normal, Vec mirror, Vec point,
+static void addLight(const Object* lamp, const Object* object, Vec normal, Vec mirror, Vec point,
                      Color* color)
 {
-    const SurfaceAttrib& s = object->surface;
+    const Light& light = recordOf<Light>(lamp);
+    const SurfaceAttrib& s = *object->surface;
     Ray ray;
-    const double distance = makeLightRay(light, point, &ray);
+    const double distance = makeLightRay(lamp, point, &ray);
     double spot;
-    if (distance == 0.0 || !spotFactor(light->light, ray.direction, &spot))
+    if (distance == 0.0 || !spotFactor(light, ray.direction, &spot))
         return;
 
     const double cosine = dot(ray.direction, normal);
     const bool isDiffuse = cosine > EPSILON && s.diffuse > 0.0;
     const double highlight = s.specular > 0.0 ? dot(ray.direction, mirror) : 0.0;
     const bool isHighlight = highlight > EPSILON;
-    const bool isSmooth = light->light.shadowType == SMOOTH_SHADOW; // draws its random numbers in any case
+    const bool isSmooth = light.shadowType == SMOOTH_SHADOW; // draws its random numbers in any case
     if (!isDiffuse && !isHighlight && !isSmooth)
         return;
 
     Color lit =
-        isSmooth ? smoothShadow(light, object, &ray, distance) : getLightColor(light, object, &ray, distance);
+        isSmooth ? smoothShadow(lamp, object, &ray, distance) : getLightColor(lamp, object, &ray, distance);
     if (isDiffuse) {
-        attenuate(light->light, distance, &lit);
-        if (light->light.lightType == SPOT_LIGHT)
+        attenuate(light, distance, &lit);
+        if (light.lightType == SPOT_LIGHT)
             lit = spot * lit;
         const double k = s.brilliance > 1.0 ? std::pow(cosine, s.brilliance) : cosine;
         color->red += s.color.red * lit.red * k * s.diffuse;
@@ -140,7 +143,7 @@ static Color refractedColor(const SurfaceAttrib& s, const Ray& incoming, Vec nor
 void shade(const Object* object, const Ray* ray, Vec normal, Vec point, Color* color, int* level,
            const Hit* hit)
 {
-    const SurfaceAttrib& s = object->surface;
+    const SurfaceAttrib& s = *object->surface;
     Ray mirror = {.origin = point, .direction = {}};
     if (s.specular > 0.0 || s.reflection > 0.0)
         mirror.direction = mirrorDirection(ray->direction, normal);

@@ -1,6 +1,7 @@
 #include "import3ds/scene3ds.h"
 
 #include "core/data.h"
+#include "core/settings.h"
 #include "core/surface.h"
 #include "engine/light.h"
 #include "import3ds/3ds.h"
@@ -82,14 +83,15 @@ static void placeLights(const Model3DS& model, const LightSettings& settings, co
     }
 }
 
-/// Of a material only the colour counts; all else is a fixed recipe.
-static void paint(Object* patch, const ModelMaterial& material)
+/// Of a material only the colour counts; all else is a fixed recipe. False without memory.
+static bool paint(Object* patch, const ModelMaterial& material)
 {
     // Divided as floats: the same 256 values, and g++ 12 drops the rounding of (double)(float)(value / 255.0)
     // where it takes two channels at a time.
     const auto channel = [](std::uint8_t value) { return static_cast<float>(value) / 255.0F; };
-    setSurfaceAttrib(patch, channel(material.rgb[0]), channel(material.rgb[1]), channel(material.rgb[2]), 0.3,
-                     0.375, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, SHARP_REFLECTION, 0, 0.0);
+    return setSurfaceAttrib(patch, channel(material.rgb[0]), channel(material.rgb[1]),
+                            channel(material.rgb[2]), 0.3, 0.375, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0,
+                            SHARP_REFLECTION, 0, 0.0);
 }
 
 /// False without memory.
@@ -103,9 +105,8 @@ static bool placeObject(const ModelObject& object, const ModelMaterial& material
             corners[2 * i + 1] = toVec(object.normals[v]);
         }
         Object* patch = makePatch(corners);
-        if (patch == nullptr)
+        if (patch == nullptr || !paint(patch, material))
             return false;
-        paint(patch, material);
     }
     return true;
 }

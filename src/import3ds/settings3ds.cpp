@@ -1,5 +1,7 @@
 #include "import3ds/settings3ds.h"
 
+#include "core/settings.h"
+#include "engine/light.h"
 #include "scene/block.h"
 #include "scene/lexer.h"
 #include "scene/shading.h"

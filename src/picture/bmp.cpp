@@ -1,6 +1,6 @@
 #include "picture/bmp.h"
 
-#include "core/data.h"
+#include "core/settings.h"
 #include "picture/writer.h"
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/data.h"
+#include "core/settings.h"
 
 /// Room for a full file name: any output name, the extension and the end of the text.
 constexpr int FILE_NAME_SIZE = OUTPUT_NAME_SIZE + 4;

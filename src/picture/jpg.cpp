@@ -5,7 +5,7 @@
 
 #include <jpeglib.h>
 
-#include "core/data.h"
+#include "core/settings.h"
 #include "picture/writer.h"
 
 constexpr int DEFAULT_QUALITY = 90;

@@ -1,6 +1,6 @@
 #include "picture/png.h"
 
-#include "core/data.h"
+#include "core/settings.h"
 #include "picture/writer.h"
 
 #include <csetjmp>

@@ -1,6 +1,6 @@
 #include "picture/writer.h"
 
-#include "core/data.h"
+#include "core/settings.h"
 #include "picture/image.h"
 
 #include <cstdlib>

@@ -1,14 +1,12 @@
 #include "primitives/cone.h"
 
-#include "primitives/primitive.h"
-
 #include <algorithm>
 #include <cstdio>
 
 static int coneIntersect(const Object* self, const Ray* ray, Hit* hit)
 {
     double t;
-    if (!coneReach(self->cone, *ray, &t))
+    if (!coneReach(recordOf<Cone>(self), *ray, &t))
         return 0;
     *hit = {.distance = t, .entering = 0, .object = self, .hitNormal = {}}; // 0 from either side
     return 1;
@@ -17,7 +15,7 @@ static int coneIntersect(const Object* self, const Ray* ray, Hit* hit)
 /// Points away from the axis; on a cone it is tilted, to stand square on the wall.
 static Vec coneNormal(const Object* self, Vec point, const Hit*)
 {
-    const Cone& cone = self->cone;
+    const Cone& cone = recordOf<Cone>(self);
     const double d = -(dot(cone.axis, point) + cone.axisOffset);
     const Vec inBasePlane = point + d * cone.axis;
     const Vec radial = unit(inBasePlane - cone.base);
@@ -26,10 +24,12 @@ static Vec coneNormal(const Object* self, Vec point, const Hit*)
 
 static void conePrint(const Object* self)
 {
-    const Cone& c = self->cone;
+    const Cone& c = recordOf<Cone>(self);
     printf("Cone: %g %g %g %g %g %g %g %g\n", c.base.x, c.base.y, c.base.z, c.baseRadius, c.cap.x, c.cap.y,
            c.cap.z, c.capRadius);
 }
+
+constinit const Operations coneOperations = {coneIntersect, coneNormal, conePrint};
 
 /// Fills the right-angled frame around the axis.
 static void makeFrame(Cone* cone)
@@ -42,29 +42,28 @@ static void makeFrame(Cone* cone)
 }
 
 /// The extent of the two end circles: straight flanks lie within it.
-static void boundCone(Object* self)
+static void boundCone(Cone* self)
 {
-    const Cone& cone = self->cone;
+    const Cone& cone = *self;
+    double *low = self->head.boundsMin, *high = self->head.boundsMax;
     for (int i = 0; i < 3; ++i) {
         const double f = circleExtent(cone.axis, Slab[i]);
-        self->boundsMin[i] = coordinate(cone.base, i) - f * cone.baseRadius;
-        self->boundsMax[i] = coordinate(cone.base, i) + f * cone.baseRadius;
+        low[i] = coordinate(cone.base, i) - f * cone.baseRadius;
+        high[i] = coordinate(cone.base, i) + f * cone.baseRadius;
         const double lo = coordinate(cone.cap, i) - f * cone.capRadius;
         const double hi = coordinate(cone.cap, i) + f * cone.capRadius;
-        if (self->boundsMin[i] > lo)
-            self->boundsMin[i] = lo;
-        if (hi > self->boundsMax[i])
-            self->boundsMax[i] = hi;
+        if (low[i] > lo)
+            low[i] = lo;
+        if (hi > high[i])
+            high[i] = hi;
     }
 }
 
 Object* makeCone(Vec base, double baseRadius, Vec cap, double capRadius)
 {
-    Object* self = newPrimitive(CONE, coneIntersect, coneNormal, conePrint);
-    if (self == nullptr)
+    auto* cone = newPrimitive<Cone>(CONE);
+    if (cone == nullptr)
         return nullptr;
-    Cone* cone = &self->cone;
-    *cone = {};
     cone->base = base;
     cone->baseRadius = baseRadius;
     cone->cap = cap;
@@ -79,6 +78,6 @@ Object* makeCone(Vec base, double baseRadius, Vec cap, double capRadius)
     const double atCap = dot(cone->axis, cap);
     cone->axisMin = std::min(atBase, atCap);
     cone->axisMax = std::max(atBase, atCap);
-    boundCone(self);
-    return listPrimitive(self);
+    boundCone(cone);
+    return listPrimitive(&cone->head);
 }

@@ -1,6 +1,23 @@
 #pragma once
 
-#include "core/data.h"
+#include "primitives/primitive.h"
+
+/// The wall between two circles, open at both ends. A cylinder is a cone with a slope of 0.
+struct Cone {
+    Object head;
+    Vec base;
+    double baseRadius;
+    double axisOffset; // -(axis . base)
+    Vec cap;
+    double capRadius;
+    Vec frameU, frameV; // with axis, a right-angled frame of unit vectors
+    Vec axis;           // unit, from base to cap
+    double length;
+    double slope;            // growth of the radius per unit of axis
+    double axisMin, axisMax; // coordinates along axis, measured from the world origin
+};
+
+extern const Operations coneOperations;
 
 /// Makes the wall between the circles around `base` and `cap`, square to the line between the two points,
 /// which must differ; both ends are open. Equal radii make a cylinder. Returns the record, which myObjectList

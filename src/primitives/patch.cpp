@@ -1,7 +1,5 @@
 #include "primitives/patch.h"
 
-#include "primitives/primitive.h"
-
 #include <cstdio>
 
 void checkPatch(Vec* array)
@@ -29,7 +27,7 @@ void invertMatrix(const Vec* m, Vec* out)
 
 static int patchIntersect(const Object* self, const Ray* ray, Hit* hit)
 {
-    const Patch& patch = self->patch;
+    const Patch& patch = recordOf<Patch>(self);
     double t, u, v;
     if (!patchReach(patch, *ray, &t, &u, &v))
         return 0;
@@ -51,24 +49,25 @@ static void patchPrint(const Object*)
     printf("patch\n");
 }
 
+constinit const Operations patchOperations = {patchIntersect, patchNormal, patchPrint};
+
 Object* makePatch(Vec* array)
 {
     checkPatch(array);
-    Object* self = newPrimitive(PATCH, patchIntersect, patchNormal, patchPrint);
-    if (self == nullptr)
+    auto* patch = newPrimitive<Patch>(PATCH);
+    if (patch == nullptr)
         return nullptr;
-    Patch* patch = &self->patch;
-    *patch = {};
+    const Vec corners[] = {array[0], array[2], array[4]};
     const Vec edge1 = array[2] - array[0];
     const Vec edge2 = array[4] - array[0];
     const Vec face = unit(cross(edge1, edge2));
+    patch->corner = corners[0];
     for (int i = 0; i < 3; ++i) {
         const Vec normal = array[2 * i + 1];
-        patch->vertices[i] = array[2 * i];
         patch->normals[i] = lengthOf(normal) == 0.0 ? face : unit(normal); // models have corners without one
     }
     const Vec matrix[] = {edge1, edge2, face};
     invertMatrix(matrix, patch->inverse);
-    boundPoints(self, patch->vertices, 3, EPSILON); // gives a patch square to an axis some thickness
-    return listPrimitive(self);
+    boundPoints(&patch->head, corners, 3, EPSILON); // gives a patch square to an axis some thickness
+    return listPrimitive(&patch->head);
 }

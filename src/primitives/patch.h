@@ -1,6 +1,16 @@
 #pragma once
 
-#include "core/data.h"
+#include "primitives/primitive.h"
+
+/// A flat triangle whose shading normal is interpolated between its corners.
+struct Patch {
+    Object head;
+    Vec corner;     // corner 0
+    Vec normals[3]; // unit, all on the side to which inverse row 2 points
+    Vec inverse[3]; // rows: weight of corner 1, weight of corner 2, unit face normal
+};
+
+extern const Operations patchOperations;
 
 /// Turns the three normals of `array`, in the order P0, N0, P1, N1, P2, N2, in place to the side of the face
 /// to which (P1 - P0) x (P2 - P0) points. A normal square to the face is negated too.
@@ -18,19 +28,18 @@ void invertMatrix(const Vec* m, Vec* out);
 Object* makePatch(Vec* array);
 
 /// The distance at which `ray` meets the patch, in `*t`, and there the weights of corners 1 and 2, in `*u`
-/// and
-/// `*v`. EPSILON itself is steep enough, and far enough; edges and corners belong to the patch. False on a
-/// miss, and for non-numbers.
+/// and `*v`. EPSILON itself is steep enough, and far enough; edges and corners belong to the patch. False on
+/// a miss, and for non-numbers.
 static inline bool patchReach(const Patch& patch, const Ray& ray, double* t, double* u, double* v)
 {
     const Vec& normal = patch.inverse[2];
     const double den = dot(normal, ray.direction);
     if (!(den <= -EPSILON || den >= EPSILON))
         return false;
-    *t = dot(patch.vertices[0] - ray.origin, normal) / den;
+    *t = dot(patch.corner - ray.origin, normal) / den;
     if (!(*t >= EPSILON))
         return false;
-    const Vec q = ray.origin + *t * ray.direction - patch.vertices[0];
+    const Vec q = ray.origin + *t * ray.direction - patch.corner;
     *u = dot(patch.inverse[0], q);
     if (!(*u >= 0.0))
         return false;

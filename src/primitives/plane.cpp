@@ -1,38 +1,26 @@
 #include "primitives/plane.h"
 
-#include "primitives/primitive.h"
-
 #include <cstdio>
-
-static int planeIntersect(const Object* self, const Ray* ray, Hit* hit)
-{
-    double t;
-    if (!planeReach(self->plane, *ray, &t))
-        return 0;
-    *hit = {.distance = t, .entering = 1, .object = self, .hitNormal = {}};
-    return 1;
-}
-
-static Vec planeNormal(const Object* self, Vec, const Hit*)
-{
-    return self->plane.normal;
-}
 
 static void planePrint(const Object* self)
 {
-    const Plane& p = self->plane;
+    const Plane& p = recordOf<Plane>(self);
     printf("Plane: Nx = %g, Ny = %g, Nz = %g, D = %g\n", p.normal.x, p.normal.y, p.normal.z, p.offset);
 }
 
+constinit const Operations planeOperations = {flatIntersect<Plane, planeReach>, flatNormal<Plane>,
+                                              planePrint};
+
 Object* makePlane(Vec normal, double distance)
 {
-    Object* self = newPrimitive(PLANE, planeIntersect, planeNormal, planePrint);
-    if (self == nullptr)
+    auto* plane = newPrimitive<Plane>(PLANE);
+    if (plane == nullptr)
         return nullptr;
-    self->plane = {.normal = unit(normal), .offset = -distance};
+    plane->normal = unit(normal);
+    plane->offset = -distance;
     for (int i = 0; i < 3; ++i) {
-        self->boundsMin[i] = -NO_LIMIT;
-        self->boundsMax[i] = NO_LIMIT;
+        plane->head.boundsMin[i] = -NO_LIMIT;
+        plane->head.boundsMax[i] = NO_LIMIT;
     }
-    return listPrimitive(self);
+    return listPrimitive(&plane->head);
 }

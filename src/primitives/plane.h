@@ -1,6 +1,14 @@
 #pragma once
 
-#include "core/data.h"
+#include "primitives/primitive.h"
+
+struct Plane {
+    Object head;
+    Vec normal;
+    double offset; // the points p with normal . p + offset = 0
+};
+
+extern const Operations planeOperations;
 
 /// Makes the plane of the points p with n . p = `distance`, where n is `normal` made unit; the distance is
 /// not rescaled. Only rays that travel along n can hit it. Returns the record, which myObjectList owns, or

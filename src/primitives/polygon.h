@@ -1,7 +1,20 @@
 #pragma once
 
-#include "core/data.h"
 #include "primitives/outline.h"
+#include "primitives/primitive.h"
+
+struct Polygon {
+    Object head;
+    Vec* vertices; // vertexCount, given by the caller, owned by the record until the process ends
+    Vec normal;    // of the plane through the first three vertices
+    int vertexCount;
+    double offset;
+    int axisU, axisV;
+    const double* u; // vertexCount + 1, as in a triangle; one heap block with v behind it, never freed either
+    const double* v;
+};
+
+extern const Operations polygonOperations;
 
 /// Makes a polygon, seen from both sides, from an array of `count` vertices on the heap, at least 3, which
 /// the record takes over. The outline may be concave and may cross itself. The first three vertices alone

@@ -2,11 +2,27 @@
 
 #include "core/data.h"
 
+#include <cstdlib>
+
 // What all kinds of primitive share. A constructor takes a record with newPrimitive, fills its tail and its
 // bounds and ends with listPrimitive; a null record means no memory, and then nothing was listed or counted.
 
-/// A zeroed record with its type and operations set, or null without memory.
-Object* newPrimitive(int type, IntersectOperation intersect, NormalOperation normal, PrintOperation print);
+/// What a kind of primitive does; `primitives/kinds.h` calls it by the type of the record.
+struct Operations {
+    int (*intersect)(const Object* self, const Ray* ray, Hit* hit);
+    Vec (*normal)(const Object* self, Vec point, const Hit* hit);
+    void (*print)(const Object* self);
+};
+
+/// A zeroed record with its type set, or null without memory.
+template <class Record>
+static inline Record* newPrimitive(ObjectType type)
+{
+    auto* self = static_cast<Record*>(calloc(1, sizeof(Record)));
+    if (self != nullptr)
+        self->head.type = type;
+    return self;
+}
 
 /// Sets the bounds to the extent of `count` points along the Slab directions, widened by `margin`.
 void boundPoints(Object* self, const Vec* points, int count, double margin);
@@ -17,3 +33,20 @@ double circleExtent(Vec axis, Vec direction);
 
 /// Puts the finished record onto myObjectList, counts it in nPrims and returns it.
 Object* listPrimitive(Object* self);
+
+/// The intersection test of a flat record, which is entered from both sides.
+template <class Flat, bool (*reach)(const Flat& flat, const Ray& ray, double* t)>
+static int flatIntersect(const Object* self, const Ray* ray, Hit* hit)
+{
+    double t;
+    if (!reach(recordOf<Flat>(self), *ray, &t))
+        return 0;
+    *hit = {.distance = t, .entering = 1, .object = self, .hitNormal = {}};
+    return 1;
+}
+
+template <class Flat>
+static Vec flatNormal(const Object* self, Vec, const Hit*)
+{
+    return recordOf<Flat>(self).normal;
+}

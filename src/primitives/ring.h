@@ -1,6 +1,18 @@
 #pragma once
 
-#include "core/data.h"
+#include "primitives/primitive.h"
+
+/// A disc is a ring with an inner radius of 0.
+struct Ring {
+    Object head;
+    Vec center;
+    Vec normal;
+    double offset;
+    double innerSquared;
+    double outerSquared;
+};
+
+extern const Operations ringOperations;
 
 /// Makes a flat ring, seen from both sides; both circles belong to it, and an inner radius of 0 makes a disc.
 /// The normal is made unit; a normal of length 0 is allowed, and such a ring is never hit. Returns the

@@ -1,19 +1,17 @@
 #include "primitives/sphere.h"
 
-#include "primitives/primitive.h"
-
 #include <cstdio>
 
 static int sphereIntersect(const Object* self, const Ray* ray, Hit* hit)
 {
-    const Sphere& sphere = self->sphere;
+    const Sphere& sphere = recordOf<Sphere>(self);
     double t;
     if (!sphereReach(sphere, *ray, &t))
         return 0;
     // Where the ray starts decides, with a margin, and not which of the two roots was taken.
     const Vec l = sphere.center - ray->origin;
     *hit = {.distance = t,
-            .entering = dot(l, l) > sphere.radiusSquared + EPSILON,
+            .entering = dot(l, l) > sphere.radius * sphere.radius + EPSILON,
             .object = self,
             .hitNormal = {}};
     return 1;
@@ -21,25 +19,28 @@ static int sphereIntersect(const Object* self, const Ray* ray, Hit* hit)
 
 static Vec sphereNormal(const Object* self, Vec point, const Hit*)
 {
-    return unit(point - self->sphere.center);
+    return unit(point - recordOf<Sphere>(self).center);
 }
 
 static void spherePrint(const Object* self)
 {
-    const Sphere& s = self->sphere;
+    const Sphere& s = recordOf<Sphere>(self);
     printf("Sphere: Cx = %g, Cy = %g, Cz = %g, R = %g\n", s.center.x, s.center.y, s.center.z, s.radius);
 }
 
+constinit const Operations sphereOperations = {sphereIntersect, sphereNormal, spherePrint};
+
 Object* makeSphere(Vec center, double radius)
 {
-    Object* self = newPrimitive(SPHERE, sphereIntersect, sphereNormal, spherePrint);
-    if (self == nullptr)
+    auto* sphere = newPrimitive<Sphere>(SPHERE);
+    if (sphere == nullptr)
         return nullptr;
-    self->sphere = {.center = center, .radius = radius, .radiusSquared = radius * radius};
+    sphere->center = center;
+    sphere->radius = radius;
     for (int i = 0; i < 3; ++i) {
         const double c = dot(center, Slab[i]);
-        self->boundsMin[i] = c - std::abs(radius);
-        self->boundsMax[i] = c + std::abs(radius);
+        sphere->head.boundsMin[i] = c - std::abs(radius);
+        sphere->head.boundsMax[i] = c + std::abs(radius);
     }
-    return listPrimitive(self);
+    return listPrimitive(&sphere->head);
 }

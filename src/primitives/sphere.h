@@ -1,6 +1,14 @@
 #pragma once
 
-#include "core/data.h"
+#include "primitives/primitive.h"
+
+struct Sphere {
+    Object head;
+    Vec center;
+    double radius; // as given, sign included
+};
+
+extern const Operations sphereOperations;
 
 /// Makes a sphere. A negative radius has the bounds and hits of its positive value. Returns the record, which
 /// myObjectList owns, or null without memory.
@@ -12,7 +20,7 @@ static inline bool sphereReach(const Sphere& sphere, const Ray& ray, double* t)
 {
     const Vec l = sphere.center - ray.origin;
     const double tca = dot(l, ray.direction);
-    const double disc = tca * tca - dot(l, l) + sphere.radiusSquared;
+    const double disc = tca * tca - dot(l, l) + sphere.radius * sphere.radius;
     if (!(disc >= 0.0))
         return false;
     const double s = std::sqrt(disc);

@@ -1,7 +1,19 @@
 #pragma once
 
-#include "core/data.h"
 #include "primitives/outline.h"
+#include "primitives/primitive.h"
+
+/// The face is tested in two dimensions: the coordinate in which the normal is largest is dropped.
+struct Triangle {
+    Object head;
+    Vec* vertices; // 3, given by the caller, owned by the record until the process ends
+    Vec normal;
+    double offset;
+    int axisU, axisV;
+    double u[4], v[4]; // the two kept coordinates of each vertex, the first vertex again at the end
+};
+
+extern const Operations triangleOperations;
 
 /// Makes a triangle, seen from both sides, from an array of 3 on the heap, which the record takes over.
 /// Corners in one line are allowed; such a triangle is never hit. Returns the record, which myObjectList

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/data.h"
+#include "core/surface.h"
 
 // What the blocks of a scene have in common. parseFile gives both their start.
 

@@ -17,15 +17,15 @@
 
 using namespace block;
 
-/// The end of every object block: the current surface is copied, the object counted.
+/// The end of every object block: it gets the current surface, and is counted.
 static void finishObject(Object* object, int* count)
 {
-    if (object == nullptr)
-        yyerror(NO_MEMORY);
     const SurfaceAttrib& s = surface;
-    setSurfaceAttrib(object, s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse, s.brilliance,
-                     s.specular, s.roughness, s.reflection, s.refraction, s.refractionIndex, s.reflectionType,
-                     s.reflectionSamples, s.reflectionRadius);
+    if (object == nullptr ||
+        !setSurfaceAttrib(object, s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse,
+                          s.brilliance, s.specular, s.roughness, s.reflection, s.refraction,
+                          s.refractionIndex, s.reflectionType, s.reflectionSamples, s.reflectionRadius))
+        yyerror(NO_MEMORY);
     ++*count;
 }
 

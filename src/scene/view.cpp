@@ -1,5 +1,7 @@
 #include "scene/view.h"
 
+#include "core/data.h"
+#include "core/settings.h"
 #include "scene/lexer.h"
 
 #include <algorithm>

@@ -21,7 +21,7 @@ static std::string textOf(const Object* list)
     std::string text;
     for (; list != nullptr; list = list->next)
         text += list->type == BOUNDING_NODE
-                    ? "(" + textOf(list->children->first) + ")"
+                    ? "(" + textOf(childrenOf(list).first) + ")"
                     : std::string(1, "abcdefg"[std::ranges::find(spheres, list) - spheres.begin()]);
     return text;
 }

@@ -2,13 +2,8 @@
 
 #include "bounds/bound.h"
 #include "bounds/packed.h"
-#include "primitives/cone.h"
-#include "primitives/patch.h"
-#include "primitives/plane.h"
-#include "primitives/polygon.h"
-#include "primitives/ring.h"
-#include "primitives/sphere.h"
-#include "primitives/triangle.h"
+#include "bounds/slab.h"
+#include "primitives/kinds.h"
 #include "support.h"
 
 #include <random>
@@ -156,8 +151,7 @@ static Hit compareWays(const Ray& ray, double limit, const Object* exclude, bool
     double nearest = limit;
     for (const Object* object : objects) {
         Hit alone;
-        if ((loops || object == hit.object) && object != exclude &&
-            object->ObjectIntersect(object, &ray, &alone))
+        if ((loops || object == hit.object) && object != exclude && ObjectIntersect(object, &ray, &alone))
             nearest = std::min(nearest, alone.distance);
     }
     EXPECT_EQ(found ? hit.distance : limit, nearest);
@@ -220,4 +214,14 @@ TEST_F(IntersectTest, FewObjectsAndNoNumbers)
                 EXPECT_FALSE(intersect(&r, NO_LIMIT, &hit, nullptr) || isBlocked(&r, 9.0, nullptr));
         releasePackedTree();
     }
+}
+
+TEST_F(IntersectTest, LeavesBoundsOfNonNumbersToTheHeap)
+{
+    makeSphere(O, 1);
+    makeSphere(3 * Z, 1);
+    makeRing(5 * Z, 2.7e-162 * Z, 0, 1); // its normal cannot be made unit
+    buildBoundingSlabs();
+    packTree();
+    EXPECT_EQ(packedRoot, 0);
 }

@@ -1,5 +1,6 @@
 #include "core/trace.h"
 
+#include "core/progress.h"
 #include "support.h"
 
 using TraceTest = SceneTest;

@@ -1,3 +1,4 @@
+#include "engine/light.h"
 #include "import3ds/scene3ds.h"
 #include "support.h"
 
@@ -81,7 +82,7 @@ static std::string state()
     const ViewPoint& v = myViewPoint;
     const SurfaceAttrib& s = surface;
     const Color &b = myBackGroundColor, &h = myHaze.color, &c = s.color;
-    const Light l = myLightList != nullptr ? myLightList->light : Light{};
+    const Light l = myLightList != nullptr ? recordOf<Light>(myLightList) : Light{};
     return line(v.up.x, v.up.y, v.up.z, v.fovX, v.ratio, v.aperture, v.focalLength, v.samples, v.projection) +
            line(myDisplay.width, myDisplay.height, iAntialias, adapt_dist, jitter, b.red, b.green, b.blue) +
            line(myHaze.factor, h.red, h.green, h.blue, jpeg_quality > 0 ? jpeg_quality : 90, c.red, c.green) +

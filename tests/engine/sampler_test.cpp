@@ -21,7 +21,7 @@ struct SamplerTest : SceneTest {
         myBackGroundColor = {0.2, 0.4, 0.9};
         screenInit();
         makeLight({5, -9, 7}, {0.5, 0.25, 0.1}, POINT_LIGHT, NO_ATTENUATION, SHARP_SHADOW, 0, 0, 0, 0, {});
-        makeSphere({0.1, 0, 0}, 0.9)->surface = {.color = {1, 0.9, 0.8}, .ambient = 0.1, .diffuse = 1.2};
+        paint(makeSphere({0.1, 0, 0}, 0.9), {.color = {1, 0.9, 0.8}, .ambient = 0.1, .diffuse = 1.2});
     }
 };
 

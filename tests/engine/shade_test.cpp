@@ -24,13 +24,16 @@ TEST_F(ShadeTest, RefractionDirection)
 
 static SurfaceAttrib skin;
 static Light lamp;
-static Color lampColor;
 static Vec normal;
+static constexpr Color WHITE = {1, 1, 1};
 static constexpr Vec TILTED = {0.6, 0, 0.8};
 
 static void tilt(double cosMaxAngle, int shadowType)
 {
-    lamp = {{0, 0, 2}, {0.8, 0, -0.6}, SPOT_LIGHT, shadowType, NO_ATTENUATION, 4, 0.1, 0.75, cosMaxAngle};
+    lamp.lightType = SPOT_LIGHT;
+    lamp.direction = {0.8, 0, -0.6};
+    lamp.shadowType = shadowType;
+    lamp.cosMaxAngle = cosMaxAngle;
 }
 
 /// A point at the origin that faces z, seen from 2 away along a slope of 4 to 3, below a light 2 above it.
@@ -43,7 +46,7 @@ static const struct {
     {"light below", [] { lamp.position.z = -2; }, {0, 0, 0}},
     {"distance", [] { lamp.attenuation = BY_DISTANCE; }, {0.5, 0.25, 0.125}},
     {"its square", [] { lamp.attenuation = BY_SQUARED_DISTANCE; }, {0.25, 0.125, 0.0625}},
-    {"dim", [] { lamp.attenuation = 1, lampColor.green = 0.5; }, {0.5, 0.125, 0.125}},
+    {"dim", [] { lamp.attenuation = 1, lamp.color.green = 0.5; }, {0.5, 0.125, 0.125}},
     {"brilliance 2", [] { skin.brilliance = 2, normal = TILTED; }, {0.64, 0.32, 0.16}},
     {"edge of the spot", [] { tilt(0.5, SHARP_SHADOW); }, {0.4, 0.2, 0.1}},
     {"limit of the spot", [] { tilt(0.6, SMOOTH_SHADOW); }, {0, 0, 0}, 12},
@@ -68,14 +71,14 @@ TEST_F(ShadeTest, OnePointUnderOneLight)
         myBackGroundColor = {0.5, 0.5, 5}; // limited to 1 on its way
         myHaze.color.blue = 1;
         skin = {.color = {1, 0.5, 0.25}, .diffuse = 1};
-        lamp = {{0, 0, 2}, {0, 0, -1}, POINT_LIGHT, SHARP_SHADOW, NO_ATTENUATION, 4, 0.1, 0.75, 0.5};
-        lampColor = {1, 1, 1};
+        lamp = {{}, WHITE, {0, 0, 2}, {0, 0, -1}, POINT_LIGHT, SHARP_SHADOW, NO_ATTENUATION,
+                4,  0.1,   0.75,      0.5};
         normal = {0, 0, 1};
         c.change();
-        makeLight(lamp.position, lampColor, lamp.lightType, lamp.attenuation, lamp.shadowType, lamp.radius,
+        makeLight(lamp.position, lamp.color, lamp.lightType, lamp.attenuation, lamp.shadowType, lamp.radius,
                   lamp.samples, lamp.cosMinAngle, lamp.cosMaxAngle, lamp.direction);
         Object object{};
-        object.surface = skin;
+        object.surface = &skin;
         const Ray ray = {{-1.2, 0, 1.6}, {0.6, 0, -0.8}};
         const Hit hit = {.distance = 2, .entering = 1, .object = &object, .hitNormal = {}};
         Color color;
@@ -88,7 +91,7 @@ TEST_F(ShadeTest, OnePointUnderOneLight)
 
 TEST_F(ShadeTest, ShadowOfGlassIsFull)
 {
-    makeSphere({0, 0, 0}, 1)->surface = {.refraction = 1, .refractionIndex = 1.5};
+    paint(makeSphere({0, 0, 0}, 1), {.refraction = 1, .refractionIndex = 1.5});
     makeLight({0, 0, 3}, {1, 1, 1}, POINT_LIGHT, NO_ATTENUATION, SHARP_SHADOW, 0.1, 5, 0, 0, {});
     for (const auto& [z, light] : {std::pair{-2.0, 0.0}, {2.0, 1.0}}) {
         Ray ray;
@@ -110,7 +113,7 @@ TEST_F(ShadeTest, WhatOneRayBrings)
 {
     myBackGroundColor = {1, 2, 0.5};
     // A coloured glass: tinted on the way in, over the two units inside, and not on the way out.
-    makeSphere({0, 0, 0}, 1)->surface = {.color = {0.25, 1, 0.5}, .refraction = 1, .refractionIndex = 1.5};
+    paint(makeSphere({0, 0, 0}, 1), {.color = {0.25, 1, 0.5}, .refraction = 1, .refractionIndex = 1.5});
     expectTrace(3, -1, 0, 2, {0.0625, 1, 0.125});
     expectTrace(3, 1, 5, NO_LIMIT, {1, 1, 0.5});
     expectTrace(3, 1, 6, 0, {0, 0, 0});
@@ -121,7 +124,7 @@ TEST_F(ShadeTest, WhatOneRayBrings)
     resetScene();
     surface = {.color = {1, 1, 1}, .ambient = 0.25, .reflection = 0.5};
     for (const double z : {-1, 1})
-        makePlane({0, 0, z}, 2 + 2 * z)->surface = surface;
+        paint(makePlane({0, 0, z}, 2 + 2 * z), surface);
     buildBoundingSlabs();
     expectTrace(1, -1, 0, 1, {0.4921875, 0.4921875, 0.4921875});
 }

@@ -1,7 +1,9 @@
 #include "import3ds/scene3ds.h"
 
+#include "engine/light.h"
 #include "import3ds/chunks.h"
 #include "import3ds/settings3ds.h"
+#include "primitives/patch.h"
 
 using Scene3dsTest = ModelTest;
 
@@ -66,16 +68,16 @@ TEST_F(AssemblyTest, ModelBecomesAScene)
     EXPECT_EQ(line(myViewPoint.position.x, myViewPoint.aperture), "9 2 ");
     EXPECT_EQ(myViewPoint.fovX, 0.5 * (3.125f / 1.175f) * PI / 180);
     ASSERT_NE(myLightList, nullptr);
-    const Light& l = myLightList->light;
+    const Light& l = recordOf<Light>(myLightList);
     EXPECT_EQ(line(l.lightType, l.position.z, l.attenuation, l.shadowType, l.samples, l.radius),
               "0 3 1 1 5 2 ");
-    EXPECT_EQ(myLightList->surface.color.red, 0.1f);
+    EXPECT_EQ(l.color.red, 0.1f);
     ASSERT_EQ(nPrims, 2);
-    EXPECT_EQ(myObjectList->next->surface.color.red, static_cast<float>('b' / 255.0));
-    const SurfaceAttrib& s = myObjectList->surface; // of an object that names no material
+    EXPECT_EQ(myObjectList->next->surface->color.red, static_cast<float>('b' / 255.0));
+    const SurfaceAttrib& s = *myObjectList->surface; // of an object that names no material
     expectColor(s.color, {0.2f, 1, static_cast<float>(1 / 255.0)});
     EXPECT_EQ(line(s.ambient, s.diffuse, s.refractionIndex, s.reflectionSamples), "0.3 0.375 0 0 ");
-    EXPECT_EQ(line(myObjectList->patch.vertices[1].x, myObjectList->patch.normals[2].z), "1 1 ");
+    EXPECT_EQ(line(myObjectList->boundsMax[0], recordOf<Patch>(myObjectList).normals[2].z), "1.001 1 ");
 }
 
 TEST_F(AssemblyTest, WithoutCameraLightAndMaterial)
@@ -86,7 +88,7 @@ TEST_F(AssemblyTest, WithoutCameraLightAndMaterial)
     EXPECT_EQ(line(myDisplay.outputName, myViewPoint.position.y, myViewPoint.focalLength), "out 20 10 ");
     EXPECT_EQ(myViewPoint.fovX, 0.3490658503988659);
     ASSERT_EQ(nPrims, 1);
-    EXPECT_EQ(myObjectList->surface.color.green, 0.8f); // grey
+    EXPECT_EQ(myObjectList->surface->color.green, 0.8f); // grey
 }
 
 TEST_F(AssemblyTest, Failures)

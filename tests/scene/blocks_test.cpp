@@ -1,3 +1,5 @@
+#include "engine/light.h"
+#include "primitives/kinds.h"
 #include "support.h"
 
 using BlocksTest = SceneTest;
@@ -107,14 +109,14 @@ TEST_F(BlocksTest, ObjectsKeepWhatTheirBlocksSay)
               "Ring: Nx = 0, Ny = 1, Nz = 0\n Cx = 1, Cy = 1, Cz = 1\n"
               "Plane: Nx = -0, Ny = -0, Nz = -1, D = 2\nSphere: Cx = 1, Cy = 2, Cz = 3, R = 2\n");
     const Object *patch = myObjectList, *disc = patch->next->next->next;
-    EXPECT_EQ(line(disc->next->ring.innerSquared, disc->next->ring.outerSquared, disc->ring.outerSquared),
-              "1 4 9 ");
-    expectNear(patch->patch.vertices[1], {1, 0, 0});
-    expectNear(patch->patch.normals[1], {0, 0.6, 0.8});
-    expectNear(patch->patch.normals[2], {0.6, 0, 0.8});
+    const Ring& ring = recordOf<Ring>(disc->next);
+    EXPECT_EQ(line(ring.innerSquared, ring.outerSquared, recordOf<Ring>(disc).outerSquared), "1 4 9 ");
+    EXPECT_EQ(patch->boundsMax[0], 1 + EPSILON);
+    expectNear(recordOf<Patch>(patch).normals[1], {0, 0.6, 0.8});
+    expectNear(recordOf<Patch>(patch).normals[2], {0.6, 0, 0.8});
     std::string surfaces;
     for (const Object* object : {patch, disc, static_cast<const Object*>(disc->next->next->next)}) {
-        const SurfaceAttrib& s = object->surface;
+        const SurfaceAttrib& s = *object->surface;
         surfaces += line(s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse, s.brilliance,
                          s.specular, s.roughness, s.reflection, s.refraction, s.refractionIndex,
                          s.reflectionRadius, s.reflectionSamples, s.reflectionType) +
@@ -134,9 +136,9 @@ TEST_F(BlocksTest, Lights)
                     l.cosMaxAngle);
     };
     const Object *spot = myLightList, *point = spot->next;
-    EXPECT_EQ(lineOfLight(point->light), "0 2 0 4 0 0.996195 0.965926 ");
-    EXPECT_EQ(lineOfLight(spot->light), "1 1 1 6 2 0.5 0.707107 ");
-    expectColor(point->surface.color, {2, 2, 2});
-    expectNear(spot->light.position, {0, 0, 5});
-    expectNear(spot->light.direction, {0, 0, -1});
+    EXPECT_EQ(lineOfLight(recordOf<Light>(point)), "0 2 0 4 0 0.996195 0.965926 ");
+    EXPECT_EQ(lineOfLight(recordOf<Light>(spot)), "1 1 1 6 2 0.5 0.707107 ");
+    expectColor(recordOf<Light>(point).color, {2, 2, 2});
+    expectNear(recordOf<Light>(spot).position, {0, 0, 5});
+    expectNear(recordOf<Light>(spot).direction, {0, 0, -1});
 }

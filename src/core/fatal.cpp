@@ -1,0 +1,15 @@
+#include "core/fatal.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <unistd.h>
+
+static constinit std::atomic_flag ending; // set by the first thread that meets a fatal condition
+
+void fatal(const char* message, FILE* stream)
+{
+    while (ending.test_and_set())
+        pause();
+    fputs(message, stream);
+    exit(EXIT_FAILURE);
+}

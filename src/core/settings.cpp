@@ -1,0 +1,40 @@
+#include "core/settings.h"
+
+#include "core/data.h"
+#include "core/surface.h"
+
+#include <algorithm>
+
+constinit ViewPoint myViewPoint{};
+constinit Display myDisplay{};
+constinit Haze myHaze{};
+constinit Color myBackGroundColor{};
+constinit int iAntialias{}, adapt_dist{}, jitter{}, iImageType{}, jpeg_quality{};
+constinit int bunching{}, iPQSize{}, numThreads{}, use3ds{}, iCameraIndex{};
+constinit Band iBounds[MAX_THREADS]{};
+constinit char inputFileName[INPUT_NAME_SIZE]{};
+
+void setStartValues()
+{
+    myObjectList = nullptr;
+    myLightList = nullptr;
+    nPrims = 0;
+    forgetSurface();
+
+    myViewPoint = {};
+    myDisplay = {};
+    myHaze = {};
+    myBackGroundColor = {};
+    iAntialias = AA_NONE;
+    adapt_dist = 20;
+    jitter = 0;
+    iImageType = BMP;
+    jpeg_quality = 0;
+    bunching = 4;
+    iPQSize = 128;
+    numThreads = 2;
+    std::ranges::fill(iBounds, Band{});
+    use3ds = 0;
+    inputFileName[0] = '\0';
+    iCameraIndex = 0;
+}

@@ -1,0 +1,37 @@
+#include "primitives/kinds.h"
+
+#include <iterator>
+
+// by type, of which SPHERE is the first
+static constexpr const Operations* operations[] = {&sphereOperations,   &planeOperations,   &ringOperations,
+                                                   &triangleOperations, &polygonOperations, &coneOperations,
+                                                   &patchOperations};
+static_assert(std::size(operations) == PATCH - SPHERE + 1);
+
+static const Operations& operationsOf(const Object* self)
+{
+    return *operations[self->type - SPHERE];
+}
+
+int ObjectIntersect(const Object* self, const Ray* ray, Hit* hit)
+{
+    return operationsOf(self).intersect(self, ray, hit);
+}
+
+Vec ObjectNormal(const Object* self, Vec point, const Hit* hit)
+{
+    return operationsOf(self).normal(self, point, hit);
+}
+
+void ObjectPrint(const Object* self)
+{
+    operationsOf(self).print(self);
+}
+
+int printList(const Object* head)
+{
+    int count = 0;
+    for (; head != nullptr; head = head->next, ++count)
+        ObjectPrint(head);
+    return count;
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "primitives/cone.h"
+#include "primitives/patch.h"
+#include "primitives/plane.h"
+#include "primitives/polygon.h"
+#include "primitives/ring.h"
+#include "primitives/sphere.h"
+#include "primitives/triangle.h"
+
+// The choice among the kinds of primitive. A new kind has its rows here, in the switch and in the table of
+// the source.
+
+/// Tests a primitive: 1 and a filled hit, or 0; the hit is then not to be read.
+int ObjectIntersect(const Object* self, const Ray* ray, Hit* hit);
+
+/// The unit normal at the point of that hit, turned to no special side.
+Vec ObjectNormal(const Object* self, Vec point, const Hit* hit);
+
+/// Prints the data of a primitive.
+void ObjectPrint(const Object* self);
+
+/// Calls ObjectPrint on each record and returns their number. For debugging.
+int printList(const Object* head);
+
+/// The distance at which `ray` meets the primitive `object` of this type, in `*t`. False on a miss, and for
+/// non-numbers.
+static inline bool reach(const Object* object, int type, const Ray& ray, double* t)
+{
+    double u, v;
+    switch (type) {
+    case SPHERE:
+        return sphereReach(recordOf<Sphere>(object), ray, t);
+    case PLANE:
+        return planeReach(recordOf<Plane>(object), ray, t);
+    case RING:
+        return ringReach(recordOf<Ring>(object), ray, t);
+    case TRIANGLE:
+        return triangleReach(recordOf<Triangle>(object), ray, t);
+    case POLYGON:
+        return polygonReach(recordOf<Polygon>(object), ray, t);
+    case CONE:
+        return coneReach(recordOf<Cone>(object), ray, t);
+    default:
+        return patchReach(recordOf<Patch>(object), ray, t, &u, &v);
+    }
+}
