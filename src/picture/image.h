@@ -1,10 +1,5 @@
 #pragma once
 
-#include "core/settings.h"
-
-/// Room for a full file name: any output name, the extension and the end of the text.
-constexpr int FILE_NAME_SIZE = OUTPUT_NAME_SIZE + 4;
-
 /// Creates the file of the picture, in the format of `iImageType`, with the extension of the format added
 /// to `name` whatever it ends in, and prints the full name and the size. The picture starts black. Width
 /// and height are above 0.

@@ -1,8 +1,5 @@
 #include "picture/writer.h"
 
-#include "core/settings.h"
-#include "picture/image.h"
-
 #include <cstdlib>
 #include <cstring>
 #include <utility>

@@ -1,9 +1,14 @@
 #pragma once
 
+#include "core/settings.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <span>
+
+/// Room for a full file name: any output name, the extension and the end of the text.
+constexpr int FILE_NAME_SIZE = OUTPUT_NAME_SIZE + 4;
 
 /// The operations of a picture format, in the order of their calls; one picture at a time. The whole picture
 /// stands in memory, so that a row is a copy from any thread, and only `close` writes pixels to the file.
