@@ -3,44 +3,61 @@
 #include "core/fatal.h"
 #include "core/settings.h"
 
-#include <cassert>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 
 constinit int iNumNodes = 0;
 
-static constinit int total = 0;       // records that stand in the top-level list
-static constinit int Axis = 0;        // result of findAxis: 0, 1 or 2
-static constinit double Median = 0.0; // result of findAxis: a mean position
+// A pass sorts an array and not the list: the list lies scattered in memory, and a pass reads it once for
+// each level of its splits. The array is filled from the list, and what a pass leaves is linked into a list
+// anew.
 
-/// Twice the centre of the bounds: it is only compared, so it is never halved.
-static double doubledCenter(const Object* object, int axis)
+namespace
 {
-    return object->boundsMax[axis] + object->boundsMin[axis];
+/// A record of the list, and twice the centre of its bounds: that is only compared, so it is never halved.
+struct Placed {
+    double position[3];
+    Object* record;
+};
+
+/// Consecutive records of the list. `step` is -1 for one that lies backwards in the array.
+struct Run {
+    Placed* first; // in the order of the list
+    int step;
+    int count;
+};
+} // namespace
+
+static constinit int total = 0;           // records in the list that the pass makes
+static constinit int Axis = 0;            // result of findAxis: 0, 1 or 2
+static constinit double Median = 0.0;     // result of findAxis: a mean position
+static constinit Object** tail = nullptr; // where the pass links its next record to
+
+static Placed* at(const Run& run, int i)
+{
+    return run.first + static_cast<std::ptrdiff_t>(i) * run.step;
 }
 
-void findAxis(const Object* first, int count)
+static Placed* lowestPlace(const Run& run)
+{
+    return run.step > 0 ? run.first : at(run, run.count - 1);
+}
+
+/// Finds the axis along which the centres of `run` spread the most, and their mean position on it. The sums
+/// run in the order of the list, which decides how they round.
+static void findAxis(const Run& run)
 {
     double lowest[3] = {NO_LIMIT, NO_LIMIT, NO_LIMIT};
     double highest[3] = {-NO_LIMIT, -NO_LIMIT, -NO_LIMIT};
     double sums[3] = {};
-    const Object* top = first;
-    for (int i = 0; i < count; ++i, top = top->next) {
-        if (top == nullptr) {
-            char message[64];
-            snprintf(message, sizeof message, "NULL top in FindAxis, count = %ld\n",
-                     static_cast<long>(count - i - 1));
-            fatal(message);
-        }
+    for (int i = 0; i < run.count; ++i)
         for (int axis = 0; axis < 3; ++axis) {
-            const double p = doubledCenter(top, axis);
-            if (p < lowest[axis])
-                lowest[axis] = p;
-            if (p > highest[axis])
-                highest[axis] = p;
+            const double p = at(run, i)->position[axis];
+            lowest[axis] = p < lowest[axis] ? p : lowest[axis];
+            highest[axis] = p > highest[axis] ? p : highest[axis];
             sums[axis] += p;
         }
-    }
     double best = -NO_LIMIT;
     Axis = 0;
     for (int axis = 0; axis < 3; ++axis) {
@@ -50,107 +67,131 @@ void findAxis(const Object* first, int count)
             Axis = axis;
         }
     }
-    Median = sums[Axis] / count;
+    Median = sums[Axis] / run.count;
 }
 
-namespace
+/// Puts the records of `run` below Median into `low`, the others into `high`, each in the opposite order: in
+/// the list, either side grew at its front. Both lie in the `run.count` places from `place` on.
+static void split(const Run& run, Placed* place, Run* low, Run* high)
 {
-/// One side of a split: records pushed onto its front.
-struct Side {
-    Object* first = nullptr;
-    Object* last = nullptr;
-    int count = 0;
-};
-} // namespace
-
-static void push(Side* side, Object* record)
-{
-    if (side->first == nullptr)
-        side->last = record;
-    addToList(&side->first, record);
-    ++side->count;
-}
-
-/// Moves records from the front of `from` to the front of `to`, which is empty.
-static void moveRecords(Side* from, Side* to, int count)
-{
-    for (int i = 0; i < count; ++i) {
-        Object* record = from->first;
-        assert(record != nullptr);
-        from->first = record->next;
-        --from->count;
-        push(to, record);
+    // The sides grow towards each other, so that neither has to be counted first.
+    Placed* next[2] = {place, place + run.count - 1};
+    for (int i = run.count - 1; i >= 0; --i) {
+        const Placed& each = *at(run, i);
+        const int isLow = each.position[Axis] < Median;
+        *next[isLow] = each;
+        next[isLow] += 1 - 2 * isLow;
     }
+    const auto highs = static_cast<int>(next[0] - place);
+    *high = {.first = place, .step = 1, .count = highs};
+    *low = {.first = place + run.count - 1, .step = -1, .count = run.count - highs};
 }
 
-/// Wraps the `count` records at `*link` into a node that takes their place.
-static void wrap(Object** link, int count)
+/// Gives half of `from` to `to`, which is empty: one record after the other, from the front to the front.
+static void share(Run* from, Run* to)
 {
-    auto* record = static_cast<BoundingNode*>(calloc(1, sizeof(BoundingNode)));
-    if (record == nullptr)
+    const int moved = from->count / 2;
+    *to = {.first = at(*from, moved - 1), .step = -from->step, .count = moved};
+    from->first = at(*from, moved);
+    from->count -= moved;
+}
+
+/// Puts a record at the end of the list that the pass makes.
+static void link(Object* record)
+{
+    *tail = record;
+    tail = &record->next;
+    ++total;
+}
+
+/// Makes a node around the records of `run`.
+static void wrap(const Run& run)
+{
+    auto* node = static_cast<BoundingNode*>(calloc(1, sizeof(BoundingNode)));
+    if (node == nullptr)
         fatal(OUT_OF_MEMORY);
-    total -= count - 1;
-    record->children = {.first = *link, .count = count};
-    Object* node = &record->head;
-    node->type = BOUNDING_NODE;
+    Object& head = node->head;
+    node->children = {.first = at(run, 0)->record, .count = run.count};
+    head.type = BOUNDING_NODE;
     for (int axis = 0; axis < 3; ++axis) {
-        node->boundsMin[axis] = NO_LIMIT;
-        node->boundsMax[axis] = -NO_LIMIT;
+        head.boundsMin[axis] = NO_LIMIT;
+        head.boundsMax[axis] = -NO_LIMIT;
     }
-    Object* last = nullptr;
-    for (Object* member = *link; count > 0; --count, member = member->next) {
+    for (int i = 0; i < run.count; ++i) {
+        Object* member = at(run, i)->record;
+        member->next = i + 1 < run.count ? at(run, i + 1)->record : nullptr;
         for (int axis = 0; axis < 3; ++axis) {
-            if (member->boundsMin[axis] < node->boundsMin[axis])
-                node->boundsMin[axis] = member->boundsMin[axis];
-            if (member->boundsMax[axis] > node->boundsMax[axis])
-                node->boundsMax[axis] = member->boundsMax[axis];
+            if (member->boundsMin[axis] < head.boundsMin[axis])
+                head.boundsMin[axis] = member->boundsMin[axis];
+            if (member->boundsMax[axis] > head.boundsMax[axis])
+                head.boundsMax[axis] = member->boundsMax[axis];
         }
-        last = member;
     }
-    node->next = last->next;
-    last->next = nullptr;
-    *link = node;
+    link(&head);
     ++nPrims;
     ++iNumNodes;
 }
 
-int sortAndSplit(Object** link, int count)
+/// Splits `run` until its pieces are small enough to be wrapped, and links those. `spare` has room for as
+/// many records, and where the run lies is room again as soon as it is split.
+static void sortAndSplit(const Run& run, Placed* spare)
 {
-    if (count <= 0)
-        return 0;
-    if (count <= bunching) {
-        if (count > 1) // a single record stands bare and comes up again in the next pass
-            wrap(link, count);
-        return 0;
+    if (run.count == 1) { // stands bare and comes up again in the next pass
+        link(at(run, 0)->record);
+        return;
     }
-
-    findAxis(*link, count);
-    Side low, high;
-    Object* rest = *link;
-    for (int i = 0; i < count; ++i) {
-        Object* record = rest;
-        rest = rest->next;
-        push(doubledCenter(record, Axis) < Median ? &low : &high, record);
+    if (run.count <= bunching) {
+        wrap(run);
+        return;
     }
+    findAxis(run);
+    Run low, high;
+    split(run, spare, &low, &high);
     // However the records lie, both sides get some.
     if (low.count == 0)
-        moveRecords(&high, &low, count / 2);
+        share(&high, &low);
     else if (high.count == 0)
-        moveRecords(&low, &high, count / 2);
+        share(&low, &high);
+    sortAndSplit(high, lowestPlace(run) + (lowestPlace(high) - spare));
+    sortAndSplit(low, lowestPlace(run) + (lowestPlace(low) - spare));
+}
 
-    assert(low.last != nullptr && high.last != nullptr);
-    *link = high.first;
-    high.last->next = low.first;
-    low.last->next = rest;
-    sortAndSplit(&high.last->next, low.count);
-    sortAndSplit(link, high.count);
-    return 1;
+/// Fills `places` from the list of `count` records.
+static void placeRecords(Placed* places, int count)
+{
+    Object* record = myObjectList;
+    for (int i = 0; i < count; ++i, record = record->next) {
+        if (record == nullptr) {
+            char message[64];
+            snprintf(message, sizeof message, "NULL top in FindAxis, count = %ld\n",
+                     static_cast<long>(count - i - 1));
+            fatal(message);
+        }
+        for (int axis = 0; axis < 3; ++axis)
+            places[i].position[axis] = record->boundsMax[axis] + record->boundsMin[axis];
+        places[i].record = record;
+    }
 }
 
 void buildBoundingSlabs()
 {
-    total = nPrims;
     iNumNodes = 0;
-    while (sortAndSplit(&myObjectList, total) != 0) {
+    total = nPrims;
+    if (total <= 1)
+        return;
+    const auto size = static_cast<size_t>(total) * sizeof(Placed);
+    auto* places = static_cast<Placed*>(malloc(size));
+    auto* spare = static_cast<Placed*>(malloc(size));
+    if (places == nullptr || spare == nullptr)
+        fatal(OUT_OF_MEMORY);
+    while (total > 1) {
+        placeRecords(places, total);
+        const Run all = {.first = places, .step = 1, .count = total};
+        total = 0;
+        tail = &myObjectList;
+        sortAndSplit(all, spare);
+        *tail = nullptr;
     }
+    free(places);
+    free(spare);
 }

@@ -2,8 +2,8 @@
 
 #include "core/data.h"
 
-// Turns the list of primitives, in place, into a tree of bounding nodes: repeated passes over the list, each
-// of which splits it around mean positions until the pieces are small enough to be wrapped into one node.
+// Turns the list of primitives into a tree of bounding nodes around the same records: repeated passes, each of
+// which splits the list around mean positions until the pieces are small enough to be wrapped into one node.
 
 /// The members of a bounding node.
 struct ChildList {
@@ -28,11 +28,3 @@ extern int iNumNodes; // bounding nodes of the tree
 /// Builds the tree over myObjectList: afterwards its root, or the only primitive, or null. Raises nPrims by
 /// the number of nodes. Without memory it ends the process with status 1.
 void buildBoundingSlabs();
-
-/// Splits the `count` records at `*link`, or wraps them into a node when there are few. What stands behind
-/// them stays attached. Returns 1 if it split, else 0.
-int sortAndSplit(Object** link, int count);
-
-/// Finds the axis along which the centres of `count` records spread the most, and their mean position on it,
-/// for sortAndSplit. Ends the process with status 1 if the list is shorter than `count`.
-void findAxis(const Object* first, int count);

@@ -30,9 +30,10 @@ TEST_F(BoundTest, TreeHasTheSettledShape)
 {
     const std::pair<std::vector<Vec>, std::string> cases[] = {
         {{}, ""},
-        {{{}}, "a"},                         // one stands bare
-        {{{}, {9, 0, 0}, {}, {}}, "(dcba)"}, // in the order of the list
-        {{{}, {}, {}, {}, {}}, "((cde)(ba))"},
+        {{{}}, "a"},                           // one stands bare
+        {{{}, {9, 0, 0}, {}, {}}, "(dcba)"},   // in the order of the list
+        {{{}, {}, {}, {}, {}}, "((cde)(ba))"}, // none is below the mean, or, as that is rounded, all are
+        {std::vector<Vec>(5, {0.9, 0, 0}), "((ba)(cde))"},
         {{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}}, "((cde)(ab))"}, // the mean itself is high
         {{{0, 0, 0}, {0, 4, 0}, {4, 0, 0}, {4, 4, 0}, {4, 2, 0}}, "((cde)(ab))"}, // equal spreads take x
         {{{50, 0, 0}, {50, 4, 9}, {54, 0, 0}, {54, 4, 9}, {54, 2, 9}}, "((bde)(ac))"}, // widest along z
@@ -44,12 +45,11 @@ TEST_F(BoundTest, TreeHasTheSettledShape)
     }
 }
 
-TEST_F(BoundTest, SplitKeepsWhatStandsBehind)
+TEST_F(BoundTest, CountBeyondTheListEndsTheProcess)
 {
-    addSpheres({{9, 0, 0}, {8, 0, 0}, {0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}});
-    EXPECT_EQ(sortAndSplit(&myObjectList, 5), 1);
-    EXPECT_EQ(textOf(myObjectList), "(efg)(cd)ba");
-    const Outcome outcome = inChild([] { findAxis(myObjectList, 6); }); // four records are left
+    addSpheres({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}, {5, 0, 0}});
+    nPrims += 2;
+    const Outcome outcome = inChild([] { buildBoundingSlabs(); });
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "NULL top in FindAxis, count = 1\n");
 }
