@@ -4,34 +4,25 @@ import os
 import signal
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 from pathlib import Path
 
+from scenes import SCENE, InFolder
 from varlo.run import Fault, VarloError, find_binary, run
 
-SCENE = """camera { position <0 -5 0> look_at <0 0 0> }
-settings { output_type "ppm" output_name "a" }
-light { position <0 -5 5> color 1 1 1 }
-surface { color 1 1 1 diffuse 1 }
-sphere { center <0 0 0> radius 1 }
-"""
 
-
-class Running(unittest.TestCase):
+class Running(InFolder):
     def setUp(self) -> None:
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
-        (self.folder / "a.vlo").write_text(SCENE)
+        super().setUp()
+        self.write("a.vlo", SCENE)
 
     def test_a_picture_and_its_progress(self) -> None:
         for height in (1, 7, 19, 40, 43):
             with self.subTest(height=height):
                 steps: list[float] = []
                 done = run(["-i", "a.vlo", "-r", "8", str(height)], cwd=self.folder, progress=steps.append)
-                self.assertIn("Rendering to: a.ppm", done.check().output)
+                self.assertIn("Rendering to: picture.ppm", done.check().output)
                 self.assertNotIn("\ufffd", done.output)
                 self.assertEqual(sorted(steps), steps)
                 self.assertEqual(steps[-1], 1.0)
@@ -45,7 +36,7 @@ class Running(unittest.TestCase):
         ]
         for text, status, line, message in cases:
             with self.subTest(text=text):
-                (self.folder / "bad.vlo").write_text(SCENE + text)
+                self.write("bad.vlo", SCENE + text)
                 done = run(["-i", "bad.vlo", "-r", "8", "6"], cwd=self.folder)
                 with self.assertRaises(Fault) as caught:
                     done.check()
@@ -53,6 +44,7 @@ class Running(unittest.TestCase):
                 self.assertEqual((fault.status, fault.line, fault.message), (status, line, message))
         done = run(["-i", "a.vlo", "-o", "no/a"], cwd=self.folder)
         self.assertEqual((done.status, done.fault().message), (1, "no/a.ppm: No such file or directory"))
+        self.assertEqual(run(["a.vlo"], cwd=self.folder).fault().message, "the program does not know these arguments")
 
     def test_signals_end_the_program_too(self) -> None:
         program = ("import sys; from pathlib import Path; from varlo.run import run\n"
@@ -64,7 +56,7 @@ class Running(unittest.TestCase):
                     stderr=subprocess.DEVNULL) as child:
                 assert child.stdout is not None
                 child.stdout.readline()
-                picture = self.folder / "a.ppm"
+                picture = self.folder / "picture.ppm"
                 child.send_signal(number)
                 self.assertEqual(child.wait(10), status)
                 self.assertEqual(processes_with(picture), [])

@@ -5,6 +5,7 @@ import re
 import shutil
 import signal
 import subprocess
+import tempfile
 import threading
 import time
 from collections.abc import Callable, Iterator, Sequence
@@ -43,7 +44,7 @@ class Completed:
 
     arguments: tuple[str, ...]
     status: int  # negative for the signal that ended it
-    output: str  # standard output and standard error together, without the marks of the bar
+    output: str  # standard output without the marks of the bar, and behind it standard error
     seconds: float  # by the clock on the wall
 
     def check(self) -> "Completed":
@@ -71,8 +72,12 @@ def complaint(output: str) -> tuple[str, int | None]:
         elif "Scene parser returned error" in before[-1]:
             message += before[-1][before[-1].index("'"):].join((" ", ""))
         return message.strip(), int(found[1])
+    if found := re.search(r"Missing (?:camera|settings|surface)!$", output):  # behind a name, on its line
+        return found[0], None
+    if "\n Usage: " in output:
+        return "the program does not know these arguments", None
     for line in reversed(output.split("\n")):
-        if (text := line.strip()) and not text.startswith(("0%---", "Please use the -pqs", "Usage:")):
+        if (text := line.strip()) and not text.startswith(("0%---", "Please use the -pqs")):
             return text, None
     return "", None
 
@@ -104,14 +109,16 @@ def run(arguments: Sequence[str], *, cwd: Path | None = None, binary: Path | Non
     """
     start = time.monotonic()
     command = [str(binary or find_binary()), *arguments]
-    with ended_by_signals():
+    if setpriv := shutil.which("setpriv"):  # ends it also where this process is killed and can do nothing more
+        command = [setpriv, "--pdeathsig", "KILL", *command]
+    with ended_by_signals(), tempfile.TemporaryFile() as errors:
         try:
             process = subprocess.Popen(command, cwd=cwd, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                       stderr=subprocess.STDOUT, process_group=0)
+                                       stderr=errors, process_group=0)
         except OSError as error:
-            raise VarloError(f"cannot run {command[0]}: {error.strerror}") from error
+            raise VarloError(f"cannot run {command[0]} in {cwd or '.'}: {error.strerror}") from error
         try:
-            output = bytes(listen(process, progress))
+            output = listen(process, progress)
             status = process.wait()
         finally:
             if process.poll() is None:
@@ -119,6 +126,9 @@ def run(arguments: Sequence[str], *, cwd: Path | None = None, binary: Path | Non
                 process.wait()
             assert process.stdout is not None
             process.stdout.close()
+        errors.seek(0)
+        if complaints := errors.read():
+            output += (b"" if output.endswith(b"\n") else b"\n") + complaints
     text = output.decode("utf-8", "replace")
     return Completed(tuple(arguments), status, text, time.monotonic() - start)
 
@@ -141,6 +151,22 @@ def listen(process: subprocess.Popen[bytes], progress: Progress | None) -> bytea
             if progress is not None:
                 progress(min(marks / total, 1.0))
     return output
+
+
+@contextmanager
+def scratch_folder(parent: Path | None = None, prefix: str = "varlo-") -> Iterator[Path]:
+    """A new folder in `parent`, else where temporary files go, that is gone behind the block.
+
+    A small process outside of this one waits for its end, so that the folder goes away even where this process is
+    killed on the spot.
+    """
+    folder = tempfile.mkdtemp(prefix=prefix, dir=parent)
+    with subprocess.Popen(["sh", "-c", 'cat && rm -rf -- "$1"', "sh", folder], stdin=subprocess.PIPE,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True):
+        try:
+            yield Path(folder)
+        finally:
+            shutil.rmtree(folder, ignore_errors=True)
 
 
 @contextmanager
