@@ -1,14 +1,8 @@
 #include "picture/bmp.h"
 
-#include "core/settings.h"
-#include "picture/writer.h"
-
-#include <cstdlib>
-
 constexpr std::uint64_t HEADER_SIZE = 54;
 
 static constinit FILE* fp = nullptr;
-static constinit unsigned char* image = nullptr; // blue, green, red; the top row first, unlike the file
 
 /// Zero bytes behind each row of the file, which make its length a multiple of 4.
 static std::size_t paddingSize(int width)
@@ -16,17 +10,7 @@ static std::size_t paddingSize(int width)
     return (4 - rowSize(width) % 4) % 4;
 }
 
-int openBMP(const char* name, int width, int height)
-{
-    fp = createFile(name);
-    if (fp == nullptr)
-        return -1;
-    writeBMPHeader(width, height);
-    image = newPicture(width, height);
-    return image != nullptr ? 0 : -1;
-}
-
-void writeBMPHeader(int width, int height)
+static void writeBMPHeader(int width, int height)
 {
     const std::uint64_t rows = static_cast<std::uint64_t>(height);
     const std::uint64_t pixelsSize = (rowSize(width) + paddingSize(width)) * rows;
@@ -49,20 +33,30 @@ void writeBMPHeader(int width, int height)
     writeFields(fp, fields);
 }
 
-int writeBMPLine(unsigned char* line, int y)
+static int openBMP(const char* name, int width, int height)
+{
+    fp = createFile(name);
+    if (fp == nullptr)
+        return -1;
+    writeBMPHeader(width, height);
+    return newPicture(width, height);
+}
+
+static int writeBMPLine(unsigned char* line, int y)
 {
     swapRedBlue(line);
-    copyRow(image, line, y);
+    copyRow(line, y);
     return myDisplay.width;
 }
 
-void closeBMP()
+static void closeBMP()
 {
     static constexpr unsigned char padding[3] = {};
     for (int y = myDisplay.height - 1; y >= 0; --y) {
-        writeBytes(fp, pictureRow(image, y), rowSize(myDisplay.width));
+        writeBytes(fp, pictureRow(y), rowSize(myDisplay.width));
         writeBytes(fp, padding, paddingSize(myDisplay.width));
     }
-    free(image);
     closeFile(fp);
 }
+
+constexpr Writer writerBMP = {".bmp", openBMP, writeBMPLine, closeBMP};

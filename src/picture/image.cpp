@@ -6,7 +6,6 @@
 #include "picture/ppm.h"
 #include "picture/tga.h"
 #include "picture/tiff.h"
-#include "picture/writer.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -14,16 +13,13 @@
 #include <iterator>
 
 // indexed by iImageType
-static constexpr Writer writers[] = {
-    {".tga", openTGA, writeTGALine, closeTGA}, {".bmp", openBMP, writeBMPLine, closeBMP},
-    {".ppm", openPPM, writePPMLine, closePPM}, {".png", openPNG, writePNGLine, closePNG},
-    {".jpg", openJPG, writeJPGLine, closeJPG}, {".tif", openTIFF, writeTIFFLine, closeTIFF},
-};
+static constexpr const Writer* writers[] = {&writerTGA, &writerBMP, &writerPPM,
+                                            &writerPNG, &writerJPG, &writerTIFF};
 static_assert(std::size(writers) == NUM_IMAGE_TYPES);
 
 int openImage(const char* name, int width, int height)
 {
-    const Writer& writer = writers[iImageType];
+    const Writer& writer = *writers[iImageType];
     char fileName[FILE_NAME_SIZE];
     snprintf(fileName, sizeof fileName, "%s%s", name, writer.extension);
 
@@ -44,11 +40,12 @@ int openImage(const char* name, int width, int height)
 
 int writeImageLine(unsigned char* line, int y)
 {
-    writers[iImageType].row(line, y);
+    writers[iImageType]->row(line, y);
     return 0;
 }
 
 void closeImage()
 {
-    writers[iImageType].close();
+    writers[iImageType]->close();
+    free(image);
 }

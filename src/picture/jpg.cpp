@@ -1,35 +1,28 @@
 #include "picture/jpg.h"
 
 #include <cstdio>
-#include <cstdlib>
 
-#include <jpeglib.h>
-
-#include "core/settings.h"
-#include "picture/writer.h"
+#include <jpeglib.h> // needs the declarations of cstdio
 
 constexpr int DEFAULT_QUALITY = 90;
 constexpr int MAX_QUALITY = 100;
 
 static constinit FILE* outfile = nullptr;
-static constinit unsigned char* image_buffer = nullptr;
 static constinit int image_width = 0, image_height = 0;
 
-int openJPG(const char* name, int width, int height)
+static int openJPG(const char* name, int width, int height)
 {
     outfile = createFile(name);
     if (outfile == nullptr)
         return -1;
     image_width = width;
     image_height = height;
-    image_buffer = newPicture(width, height);
-    return image_buffer != nullptr ? 0 : -1;
+    return newPicture(width, height);
 }
 
-int writeJPGLine(unsigned char* line, int y)
+static int writeJPGLine(unsigned char* line, int y)
 {
-    copyRow(image_buffer, line, y);
-    return 0;
+    return copyRow(line, y);
 }
 
 static void limitQuality()
@@ -40,7 +33,7 @@ static void limitQuality()
         jpeg_quality = MAX_QUALITY;
 }
 
-void closeJPG()
+static void closeJPG()
 {
     limitQuality();
     jpeg_compress_struct cinfo;
@@ -58,11 +51,12 @@ void closeJPG()
 
     jpeg_start_compress(&cinfo, TRUE);
     while (cinfo.next_scanline < cinfo.image_height) {
-        JSAMPROW rows[] = {image_buffer + cinfo.next_scanline * rowSize(image_width)};
+        JSAMPROW rows[] = {pictureRow(static_cast<int>(cinfo.next_scanline))};
         jpeg_write_scanlines(&cinfo, rows, 1);
     }
     jpeg_finish_compress(&cinfo);
     closeFile(outfile);
     jpeg_destroy_compress(&cinfo);
-    free(image_buffer);
 }
+
+constexpr Writer writerJPG = {".jpg", openJPG, writeJPGLine, closeJPG};

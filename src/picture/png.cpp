@@ -1,21 +1,26 @@
 #include "picture/png.h"
 
-#include "core/settings.h"
-#include "picture/writer.h"
-
 #include <csetjmp>
 #include <cstdlib>
 #include <png.h>
 
 static constinit FILE* fp = nullptr;
-static constinit unsigned char* image = nullptr;
 static constinit png_structp png_ptr = nullptr;
 static constinit png_infop info_ptr = nullptr;
 
 // libpng reports an error by printing it and jumping to the latest setjmp. No local variable is in use
 // across a jump: what it would hold then is undefined.
 
-int openPNG(const char* name, int width, int height)
+static void writePNGHeader(int width, int height)
+{
+    png_set_IHDR(png_ptr, info_ptr, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height), 8,
+                 PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                 PNG_FILTER_TYPE_DEFAULT);
+    png_write_info(png_ptr, info_ptr);
+    png_set_packing(png_ptr);
+}
+
+static int openPNG(const char* name, int width, int height)
 {
     fp = createFile(name);
     if (fp == nullptr)
@@ -34,40 +39,30 @@ int openPNG(const char* name, int width, int height)
     }
     png_init_io(png_ptr, fp);
     writePNGHeader(width, height);
-    image = newPicture(width, height);
-    return image != nullptr ? 0 : -1;
+    return newPicture(width, height);
 }
 
-void writePNGHeader(int width, int height)
+static int writePNGLine(unsigned char* line, int y)
 {
-    png_set_IHDR(png_ptr, info_ptr, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height), 8,
-                 PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
-    png_write_info(png_ptr, info_ptr);
-    png_set_packing(png_ptr);
-}
-
-int writePNGLine(unsigned char* line, int y)
-{
-    copyRow(image, line, y);
-    return 0;
+    return copyRow(line, y);
 }
 
 static void writePNGPixels()
 {
     for (int y = 0; y < myDisplay.height; ++y) {
-        png_bytep rows[] = {pictureRow(image, y)};
+        png_bytep rows[] = {pictureRow(y)};
         png_write_rows(png_ptr, rows, 1);
     }
     png_write_end(png_ptr, info_ptr);
 }
 
-void closePNG()
+static void closePNG()
 {
     if (setjmp(png_jmpbuf(png_ptr)) != 0) // the one of openPNG ended with that function
         exit(EXIT_FAILURE);
     writePNGPixels();
-    free(image);
     png_destroy_write_struct(&png_ptr, &info_ptr);
     closeFile(fp);
 }
+
+constexpr Writer writerPNG = {".png", openPNG, writePNGLine, closePNG};

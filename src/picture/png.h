@@ -1,10 +1,5 @@
 #pragma once
 
-// Operations of a Writer, whose contract picture/writer.h tells.
+#include "picture/writer.h"
 
-int openPNG(const char* name, int width, int height);
-int writePNGLine(unsigned char* line, int y);
-void closePNG();
-
-/// Prepares what stands before the pixels; for openPNG.
-void writePNGHeader(int width, int height);
+extern const Writer writerPNG;

@@ -1,24 +1,8 @@
 #include "picture/tga.h"
 
-#include "core/settings.h"
-#include "picture/writer.h"
-
-#include <cstdlib>
-
 static constinit FILE* fp = nullptr;
-static constinit unsigned char* image = nullptr; // blue, green, red
 
-int openTGA(const char* name, int width, int height)
-{
-    fp = createFile(name);
-    if (fp == nullptr)
-        return -1;
-    writeTGAHeader(width, height);
-    image = newPicture(width, height);
-    return image != nullptr ? 0 : -1;
-}
-
-void writeTGAHeader(int width, int height)
+static void writeTGAHeader(int width, int height)
 {
     const Field fields[] = {
         {0, 2},                                  // no identification text, no colour map
@@ -33,17 +17,26 @@ void writeTGAHeader(int width, int height)
     writeFields(fp, fields);
 }
 
-int writeTGALine(unsigned char* line, int y)
+static int openTGA(const char* name, int width, int height)
+{
+    fp = createFile(name);
+    if (fp == nullptr)
+        return -1;
+    writeTGAHeader(width, height);
+    return newPicture(width, height);
+}
+
+static int writeTGALine(unsigned char* line, int y)
 {
     swapRedBlue(line);
-    copyRow(image, line, y);
+    copyRow(line, y);
     return myDisplay.width;
 }
 
-void closeTGA()
+static void closeTGA()
 {
-    for (int y = 0; y < myDisplay.height; ++y)
-        writeBytes(fp, pictureRow(image, y), rowSize(myDisplay.width));
-    free(image);
+    writeBytes(fp, image, rowSize(myDisplay.width) * static_cast<std::size_t>(myDisplay.height));
     closeFile(fp);
 }
+
+constexpr Writer writerTGA = {".tga", openTGA, writeTGALine, closeTGA};

@@ -1,28 +1,11 @@
 #include "picture/tiff.h"
 
-#include "core/settings.h"
-#include "picture/writer.h"
-
 #include <cstdlib>
 #include <tiffio.h>
 
 static constinit TIFF* fp = nullptr;
-static constinit unsigned char* image = nullptr;
 
-int openTIFF(const char* name, int width, int height)
-{
-    // The sink tells why a file cannot be created, in the same words for all formats.
-    const TIFFErrorHandler handler = TIFFSetErrorHandler(nullptr);
-    fp = TIFFOpen(name, "w");
-    TIFFSetErrorHandler(handler);
-    if (fp == nullptr)
-        return -1;
-    writeTIFFHeader(width, height);
-    image = newPicture(width, height);
-    return image != nullptr ? 0 : -1;
-}
-
-void writeTIFFHeader(int width, int height)
+static void writeTIFFHeader(int width, int height)
 {
     TIFFSetField(fp, TIFFTAG_IMAGEWIDTH, width);
     TIFFSetField(fp, TIFFTAG_IMAGELENGTH, height);
@@ -35,17 +18,27 @@ void writeTIFFHeader(int width, int height)
     TIFFSetField(fp, TIFFTAG_IMAGEDESCRIPTION, "varlo pic!");
 }
 
-int writeTIFFLine(unsigned char* line, int y)
+static int openTIFF(const char* name, int width, int height)
 {
-    copyRow(image, line, y);
-    return 0;
+    // The sink tells why a file cannot be created, in the same words for all formats.
+    const TIFFErrorHandler handler = TIFFSetErrorHandler(nullptr);
+    fp = TIFFOpen(name, "w");
+    TIFFSetErrorHandler(handler);
+    if (fp == nullptr)
+        return -1;
+    writeTIFFHeader(width, height);
+    return newPicture(width, height);
 }
 
-void closeTIFF()
+static int writeTIFFLine(unsigned char* line, int y)
+{
+    return copyRow(line, y);
+}
+
+static void closeTIFF()
 {
     for (int y = 0; y < myDisplay.height; ++y) {
-        if (TIFFWriteScanline(fp, pictureRow(image, y), static_cast<std::uint32_t>(y), 0) < 0) {
-            free(image);
+        if (TIFFWriteScanline(fp, pictureRow(y), static_cast<std::uint32_t>(y), 0) < 0) {
             TIFFClose(fp);
             exit(EXIT_SUCCESS);
         }
@@ -55,5 +48,6 @@ void closeTIFF()
     if (TIFFFlush(fp) == 0)
         exit(EXIT_FAILURE);
     TIFFClose(fp);
-    free(image);
 }
+
+constexpr Writer writerTIFF = {".tif", openTIFF, writeTIFFLine, closeTIFF};

@@ -4,21 +4,25 @@
 #include <cstring>
 #include <utility>
 
+constinit unsigned char* image = nullptr;
+
 static constinit char fileName[FILE_NAME_SIZE] = ""; // of the latest created file, for a failed write
 
-unsigned char* newPicture(int width, int height)
+int newPicture(int width, int height)
 {
-    return static_cast<unsigned char*>(calloc(static_cast<std::size_t>(height), rowSize(width)));
+    image = static_cast<unsigned char*>(calloc(static_cast<std::size_t>(height), rowSize(width)));
+    return image != nullptr ? 0 : -1;
 }
 
-unsigned char* pictureRow(unsigned char* image, int y)
+unsigned char* pictureRow(int y)
 {
     return image + static_cast<std::size_t>(y) * rowSize(myDisplay.width);
 }
 
-void copyRow(unsigned char* image, const unsigned char* line, int y)
+int copyRow(const unsigned char* line, int y)
 {
-    memcpy(pictureRow(image, y), line, rowSize(myDisplay.width));
+    memcpy(pictureRow(y), line, rowSize(myDisplay.width));
+    return 0;
 }
 
 void swapRedBlue(unsigned char* line)
@@ -27,10 +31,10 @@ void swapRedBlue(unsigned char* line)
         std::swap(line[0], line[2]);
 }
 
-FILE* createFile(const char* name)
+FILE* createFile(const char* name, const char* mode)
 {
     snprintf(fileName, sizeof fileName, "%s", name);
-    return fopen(name, "wb");
+    return fopen(name, mode);
 }
 
 [[noreturn]] static void endWithReason()

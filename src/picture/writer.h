@@ -19,8 +19,8 @@ struct Writer {
     /// Takes row `y`, 0 at the top, of 3 * myDisplay.width bytes: red, green, blue. Runs in many threads at
     /// once, each with rows of its own. It may change the bytes of `line`. Returns 0 unless told otherwise.
     int (*row)(unsigned char* line, int y);
-    /// Writes the picture of the size in myDisplay, and gives back file and memory. A failed write ends the
-    /// run with status 1 and the words of the system or the library on standard error.
+    /// Writes the picture of the size in myDisplay and closes the file. A failed write ends the run with
+    /// status 1 and the words of the system or the library on standard error.
     void (*close)();
 };
 
@@ -38,21 +38,24 @@ constexpr std::size_t rowSize(int width)
     return 3 * static_cast<std::size_t>(width);
 }
 
-/// A black picture. Null without memory, and then `errno` tells so. The caller frees it.
-unsigned char* newPicture(int width, int height);
+/// The bytes of the picture between open and close; red, green, blue unless the row operation turned them.
+extern unsigned char* image;
+
+/// Makes `image`, black, at the end of an `open`, and returns what that has to.
+int newPicture(int width, int height);
 
 /// Row `y` of a picture that is `myDisplay.width` pixels wide.
-unsigned char* pictureRow(unsigned char* image, int y);
+unsigned char* pictureRow(int y);
 
-/// Copies a row of `myDisplay.width` pixels to its place. Safe from many threads at once, as long as each
-/// has rows of its own.
-void copyRow(unsigned char* image, const unsigned char* line, int y);
+/// Copies a row of `myDisplay.width` pixels to its place and returns 0. Safe from many threads at once, as
+/// long as each has rows of its own.
+int copyRow(const unsigned char* line, int y);
 
 /// Turns the red, green, blue of a row of `myDisplay.width` pixels into blue, green, red, or back.
 void swapRedBlue(unsigned char* line);
 
 /// Creates a file, or empties it. Null if that fails, with the reason in `errno`.
-FILE* createFile(const char* name);
+FILE* createFile(const char* name, const char* mode = "wb");
 
 // These three end the run with status 1 if a write fails, and print the name of the latest created file
 // with the words of the system on standard error: a short file shall not look like a success.
