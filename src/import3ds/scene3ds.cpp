@@ -7,6 +7,7 @@
 #include "import3ds/3ds.h"
 #include "import3ds/settings3ds.h"
 #include "primitives/patch.h"
+#include "scene/view.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -51,8 +52,6 @@ static void setCamera(Vec eye, Vec target, float fov)
     myViewPoint.position = eye;
     myViewPoint.lookAt = target;
     myViewPoint.fovX = 0.5 * fov * PI / 180.0;
-    myViewPoint.up = {0.0, 0.0, 1.0};
-    myViewPoint.ratio = 4.0 / 3.0;
 }
 
 static void setDefaultCamera()
@@ -145,11 +144,8 @@ int parse3ds(const char* fileName)
         exit(-1);
     }
     strcpy(myDisplay.outputName, fileName); // unless the settings file has another one
-    setDefaultCamera(); // the settings file may change what follows, and measures its focus from here
-    myViewPoint.aperture = 0.0;
-    myViewPoint.focalLength = 10.0;
-    myViewPoint.samples = 16;
-    myViewPoint.projection = FLAT;
+    startCamera();
+    setDefaultCamera(); // the settings file measures its focus from here
 
     FILE* stream = fopen(fileName, "r");
     if (stream == nullptr) {

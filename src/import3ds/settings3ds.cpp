@@ -35,7 +35,9 @@ void yy_3DSSettings(FILE* stream, char* inputName, int* attenuation, int* shadow
         any("radius", radius, isAboveZero, LIGHT_RADIUS_FAULT),
         any("light_samples", samples, isAboveZero, LIGHT_SAMPLES_FAULT),
     };
-    std::vector<BlockWord> words = pictureWords();
+    startPicture();
+    const auto sharedWords = pictureWords();
+    std::vector<BlockWord> words(sharedWords.begin(), sharedWords.end());
     words.insert(words.end(), std::begin(ownWords), std::end(ownWords));
     readWords(stream, words, " Unkown parameter in 3ds settings structure");
     if (*shadowType == SMOOTH_SHADOW &&

@@ -4,8 +4,6 @@
 #include "core/settings.h"
 #include "scene/lexer.h"
 
-#include <algorithm>
-
 using namespace block;
 
 static constexpr Choice imageTypes[] = {{"tga", TGA}, {"bmp", BMP},   {"ppm", PPM},
@@ -24,7 +22,7 @@ void setFocus(std::span<const BlockWord> words, Vec point)
         myViewPoint.focalLength = lengthOf(myViewPoint.position - point);
 }
 
-void yy_camera(FILE* stream)
+void startCamera()
 {
     myViewPoint.up = {0.0, 0.0, 1.0};
     myViewPoint.fovX = PI / 8.0;
@@ -33,6 +31,11 @@ void yy_camera(FILE* stream)
     myViewPoint.focalLength = 10.0;
     myViewPoint.samples = 16;
     myViewPoint.projection = FLAT;
+}
+
+void yy_camera(FILE* stream)
+{
+    startCamera();
     Vec focalPoint{};
     const auto toHalfRadians = [](double* fov) {
         *fov = *fov * 0.5 * PI / 180.0;
@@ -57,13 +60,7 @@ void yy_camera(FILE* stream)
     setFocus(words, focalPoint);
 }
 
-static bool limitQuality(int* quality)
-{
-    *quality = *quality <= 0 ? 90 : std::min(*quality, 100);
-    return true;
-}
-
-std::vector<BlockWord> pictureWords()
+void startPicture()
 {
     myBackGroundColor = {};
     myDisplay.width = 320;
@@ -72,7 +69,10 @@ std::vector<BlockWord> pictureWords()
     iAntialias = AA_NONE;
     adapt_dist = 64;
     myHaze = {};
+}
 
+std::array<BlockWord, NUM_PICTURE_WORDS> pictureWords()
+{
     return {
         any("background", &myBackGroundColor),
         pair("display", &myDisplay.width, &myDisplay.height),
@@ -83,13 +83,14 @@ std::vector<BlockWord> pictureWords()
         any("aa_distance", &adapt_dist),
         any("haze_color", &myHaze.color),
         any("haze_factor", &myHaze.factor),
-        any("jpeg_quality", &jpeg_quality, limitQuality),
+        any("jpeg_quality", &jpeg_quality),
     };
 }
 
 void yy_settings(FILE* stream)
 {
-    std::vector<BlockWord> words = pictureWords();
+    startPicture();
+    auto words = pictureWords();
     readBlock(stream, words, " Unkown parameter in settings structure");
     if (countOf(words, "output_name") != 1 || countOf(words, "output_type") != 1)
         yyerror(" error in settings structure declaration");

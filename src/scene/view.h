@@ -2,7 +2,7 @@
 
 #include "scene/block.h"
 
-#include <vector>
+#include <array>
 
 // The blocks that describe no geometry: the camera, and the settings of the picture.
 
@@ -12,9 +12,16 @@ void yy_camera(FILE* stream);
 /// Reads a `settings` block into the globals of the picture.
 void yy_settings(FILE* stream);
 
-/// Sets the start values of the picture's settings, which stand until a parameter changes them, and returns
-/// the table of the parameters, all of them optional. It holds the addresses of the globals.
-std::vector<BlockWord> pictureWords();
+/// Gives myViewPoint the values that stand until a parameter changes them; all but the two points.
+void startCamera();
+
+/// Gives the settings of the picture the values that stand until a parameter changes them.
+void startPicture();
+
+constexpr int NUM_PICTURE_WORDS = 10;
+
+/// The parameters of the picture's settings, all of them optional. They lead to the globals.
+std::array<BlockWord, NUM_PICTURE_WORDS> pictureWords();
 
 /// The fault of a number of rays through the lens that is not above 0.
 constexpr const char* CAMERA_SAMPLES_FAULT = " camera samples must be greater than 0";
