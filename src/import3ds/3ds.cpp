@@ -42,7 +42,7 @@ static bool stopForMemory()
 static bool readLevel(std::span<const ChunkAction> actions, Model3DS* model, Chunk* parent)
 {
     if (depth == MAX_DEPTH)
-        return damaged(filePosition());
+        return damaged(filePosition(), "depth of chunks");
     ++depth;
     while (parent->bytesRead < parent->length) {
         Chunk chunk;
@@ -95,17 +95,17 @@ static bool takePoint(Chunk* chunk, Vec3f* point)
     return takeNumbers(chunk, &point->x, 3);
 }
 
-/// Reads a count and as many records of `size` bytes, which replace `*records`. Of a file that ends too early
-/// the complete records are kept, and no memory is taken for the others.
+/// Reads the count of that name and as many records of `size` bytes, which replace `*records`. Of a file that
+/// ends too early the complete records are kept, and no memory is taken for the others.
 template <class Record>
-static bool takeRecords(Chunk* chunk, Record** records, int* count, std::uint32_t size,
+static bool takeRecords(Chunk* chunk, const char* name, Record** records, int* count, std::uint32_t size,
                         bool (*takeRecord)(Chunk*, Record*))
 {
     std::uint16_t announced;
     if (!takeNumbers(chunk, &announced, 1))
         return false;
     if (announced > bytesLeft(chunk) / size)
-        return damaged(filePosition());
+        return damaged(filePosition(), name);
     const std::int64_t present = std::min<std::int64_t>(announced, recordsLeft(size));
     void* fresh = calloc(static_cast<size_t>(present) + 1, sizeof(Record)); // of no records too
     if (fresh == nullptr)
@@ -114,14 +114,15 @@ static bool takeRecords(Chunk* chunk, Record** records, int* count, std::uint32_
     *records = static_cast<Record*>(fresh);
     for (*count = 0; *count < announced; ++*count)
         if (*count == present || !takeRecord(chunk, *records + *count))
-            return damaged(filePosition());
+            return damaged(filePosition(), FILE_END);
     return true;
 }
 
 static bool readVertices(Model3DS* model, Chunk* chunk)
 {
     ModelObject& object = lastObject(model);
-    return takeRecords(chunk, &object.vertices, &object.numVertices, 12, takePoint) && skipRest(chunk);
+    return takeRecords(chunk, "vertex count", &object.vertices, &object.numVertices, 12, takePoint) &&
+           skipRest(chunk);
 }
 
 static bool takeFace(Chunk* chunk, ModelFace* face)
@@ -137,7 +138,7 @@ static bool takeFace(Chunk* chunk, ModelFace* face)
 static bool readVertexIndices(Model3DS* model, Chunk* chunk)
 {
     ModelObject& object = lastObject(model);
-    return takeRecords(chunk, &object.faces, &object.numFaces, 8, takeFace);
+    return takeRecords(chunk, "face count", &object.faces, &object.numFaces, 8, takeFace);
 }
 
 static bool takeTexCoord(Chunk* chunk, TexCoord* texCoord)
@@ -148,7 +149,8 @@ static bool takeTexCoord(Chunk* chunk, TexCoord* texCoord)
 static bool readUVCoordinates(Model3DS* model, Chunk* chunk)
 {
     ModelObject& object = lastObject(model);
-    return takeRecords(chunk, &object.texCoords, &object.numTexCoords, 8, takeTexCoord) && skipRest(chunk);
+    return takeRecords(chunk, "texture count", &object.texCoords, &object.numTexCoords, 8, takeTexCoord) &&
+           skipRest(chunk);
 }
 
 /// Finds the first material of a name among those that stand ahead in the file; -1 if there is none. No
@@ -344,8 +346,8 @@ int import3DS(Model3DS* model, const char* fileName, int withNormals)
     if (noMemory)
         return failForMemory();
     if (damagedAt >= 0)
-        fprintf(stderr, " The model %s is damaged at byte %lld: the rest of it is not used\n", fileName,
-                static_cast<long long>(damagedAt));
+        fprintf(stderr, " The model %s is damaged at byte %lld (%s): the rest of it is not used\n", fileName,
+                static_cast<long long>(damagedAt), damagedThing);
     const int dropped = dropBadFaces(model);
     if (dropped > 0)
         fprintf(stderr, " %d face(s) with a vertex out of range are left out\n", dropped);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 constinit std::int64_t damagedAt = -1;
+constinit const char* damagedThing = "";
 
 static constexpr std::uint32_t HEADER_SIZE = 6;
 
@@ -45,29 +46,30 @@ std::int64_t filePosition()
     return position;
 }
 
-bool damaged(std::int64_t where)
+bool damaged(std::int64_t where, const char* thing)
 {
     damagedAt = where;
+    damagedThing = thing;
     return false;
 }
 
 bool take(Chunk* chunk, void* data, std::uint32_t size)
 {
     if (size > bytesLeft(chunk))
-        return damaged(position);
+        return damaged(position, "chunk too short");
     const size_t got = fread(data, 1, size, m_FilePointer);
     position += static_cast<std::int64_t>(got);
     chunk->bytesRead += static_cast<std::uint32_t>(got);
-    return got == size || damaged(position);
+    return got == size || damaged(position, FILE_END);
 }
 
 bool skipRest(Chunk* chunk)
 {
     const std::uint32_t rest = bytesLeft(chunk);
     if (rest > fileEnd - position)
-        return damaged(fileEnd); // a seek would pass the end without a word
+        return damaged(fileEnd, FILE_END); // a seek would pass the end without a word
     if (rest > 0 && fseeko(m_FilePointer, rest, SEEK_CUR) != 0)
-        return damaged(position);
+        return damaged(position, FILE_END);
     position += rest;
     chunk->bytesRead = chunk->length;
     return true;
@@ -79,10 +81,12 @@ bool readChunk(Chunk* chunk, const Chunk* parent)
     const std::uint32_t room = bytesLeft(parent);
     *chunk = {.id = 0, .length = HEADER_SIZE, .bytesRead = 0};
     std::uint32_t length;
-    if (room < HEADER_SIZE || !takeNumbers(chunk, &chunk->id, 1) || !takeNumbers(chunk, &length, 1))
-        return damaged(start);
+    if (room < HEADER_SIZE)
+        return damaged(start, "chunk header");
+    if (!takeNumbers(chunk, &chunk->id, 1) || !takeNumbers(chunk, &length, 1))
+        return damaged(start, FILE_END);
     chunk->length = length;
-    return (length >= HEADER_SIZE && length <= room) || damaged(start);
+    return (length >= HEADER_SIZE && length <= room) || damaged(start, "chunk length");
 }
 
 bool getString(Chunk* chunk, char (&text)[MODEL_NAME_SIZE])

@@ -16,7 +16,9 @@ struct Chunk {
     std::uint32_t bytesRead; // the header included; never above length
 };
 
-extern std::int64_t damagedAt; // byte of the file at which reading stopped; -1 while there is no damage
+extern std::int64_t damagedAt;   // byte of the file at which reading stopped; -1 while there is no damage
+extern const char* damagedThing; // what was wrong there, for the user
+constexpr const char* FILE_END = "end of file";
 
 /// Opens the one file that is read at a time and forgets damage. False if it cannot be opened.
 bool openChunks(const char* fileName);
@@ -31,8 +33,8 @@ std::int64_t recordsLeft(std::uint32_t size);
 /// Byte of the file that is read next.
 std::int64_t filePosition();
 
-/// Stops the reading at byte `where`.
-bool damaged(std::int64_t where);
+/// Stops the reading at byte `where`, since `thing` is wrong.
+bool damaged(std::int64_t where, const char* thing);
 
 /// Reads `size` bytes of the chunk. If the chunk is too short for them none are read.
 bool take(Chunk* chunk, void* data, std::uint32_t size);
