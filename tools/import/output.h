@@ -1,0 +1,39 @@
+#pragma once
+
+#include "vec.h"
+
+#include <string_view>
+
+/// Begins the scene that is written, one at a time. `path` null stands for standard output. A file of that
+/// name appears, or is replaced, by `finishOutput` and not before; a device or a pipe is written to as it is.
+/// False, with a message, if it cannot be created.
+bool openOutput(const char* path);
+
+/// True when all was written. False, with a message, when any write failed: then no file is left behind.
+bool finishOutput();
+
+// Each of these appends to the output. A failure is kept for `finishOutput`.
+
+void put(std::string_view text);
+inline void put(const char* text)
+{
+    put(std::string_view(text));
+}
+void put(size_t number);
+
+/// The shortest decimal that reads back as the same float.
+void put(double number);
+
+/// `<x y z>`
+void put(const Vec& v);
+
+/// Red, green and blue without brackets, from 0 to 1, by thousandths.
+void put(const Colour& c);
+
+/// `text` as a comment of one line: what would end it becomes a blank.
+void putComment(std::string_view text);
+
+void putAll(const auto&... parts)
+{
+    (put(parts), ...);
+}
