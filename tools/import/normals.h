@@ -1,0 +1,36 @@
+#pragma once
+
+#include "vec.h"
+
+#include <assimp/mesh.h>
+
+#include <vector>
+
+/// A face as its neighbours see it; both in the frame of the mesh.
+struct Facet {
+    aiVector3D normal; // unit, or zero for a face without area
+    float area;
+};
+
+/// The faces of meshes that are smoothed as one, and which of them meet at each point.
+struct SmoothGroup {
+    double cosine; // of the largest angle that is smoothed
+    std::vector<Facet> facets;
+    std::vector<unsigned> first; // of each point its place in `meeting`; one more at the end
+    std::vector<unsigned> meeting;
+};
+
+/// The part of one mesh in its group.
+struct MeshPart {
+    const SmoothGroup* group = nullptr; // null: the mesh has its normals from the file
+    unsigned firstFacet = 0;
+    std::vector<unsigned> points; // of each vertex; vertices in the same place are one point
+};
+
+/// Makes one group of `meshes` and fills the part of each. Edges up to `degrees` are smoothed.
+void makeGroup(SmoothGroup& group, double degrees, const std::vector<const aiMesh*>& meshes,
+               const std::vector<MeshPart*>& parts);
+
+/// The normal at corner `k` of face `face`, in the frame of the mesh: the mean of the faces that meet there
+/// at no more than the angle of the group, each with the weight of its area. Any length.
+Vec smoothNormal(const MeshPart& part, const aiFace& faceRecord, unsigned face, int k);
