@@ -6,6 +6,7 @@ from .materials import material
 from .mesh import Mesh
 from .meshes import mesh
 from .objects import cone, cylinder, disc, patch, plane, polygon, ring, sphere, triangle
+from .picture import Picture
 from .run import Fault, VarloError
 from .scatter import scatter
 from .scene import Scene
@@ -21,7 +22,7 @@ from .writer import Group, group
 
 __version__ = "0.1.0"
 __all__ = [
-    "Fault", "Group", "Mesh", "Scene", "SceneError", "Statement", "Transform", "VarloError", "Vec", "box",
+    "Fault", "Group", "Mesh", "Picture", "Scene", "SceneError", "Statement", "Transform", "VarloError", "Vec", "box",
     "camera", "colormap", "cone", "cylinder", "declare", "disc", "gradient", "grid_faces", "group", "height_field",
     "include", "lathe", "light", "look_at", "material", "mesh", "mix", "move", "patch", "plane", "polygon", "revolve",
     "rgb", "ring", "scale", "scatter", "settings", "shades", "sphere", "surface", "text", "triangle", "true_ratio",
