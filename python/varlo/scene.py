@@ -3,11 +3,16 @@
 from __future__ import annotations
 
 import os
+from collections.abc import Callable
 from contextlib import suppress
 from pathlib import Path
 from typing import TextIO
 
+from . import rendering
+from .picture import Picture
+from .rendering import FORMATS
 from .shading import surface
+from .view import settings
 from .writer import Group, Item, Writer
 
 
@@ -43,8 +48,50 @@ class Scene:
             with suppress(FileNotFoundError):
                 part.unlink()
 
-    def _write(self, out: TextIO) -> Writer:
+    def render(
+        self,
+        path: str | os.PathLike[str] | None = None,
+        *,
+        width: int | None = None,
+        height: int | None = None,
+        antialias: str | int | None = None,
+        jitter: bool = False,
+        threads: int | None = None,
+        queue: int | None = None,
+        binary: str | None = None,
+        progress: Callable[[float], None] | None = None,
+    ) -> Picture:
+        """Renders the scene with varlo and gives back the picture, which a notebook shows.
+
+        `path`: the picture, which appears when it is whole; its ending tells the format. Left out, the picture has
+        the name and the format of the settings, in the working directory. A scene without settings gets some.
+        `width`, `height`: pixels. `antialias`: "none", "quick", or a number: the `aa_distance` of the adaptive
+        sampler, of 255. `threads`: 2, 4 or 8, left out by the number of processors. `queue`: entries of the queue of
+        a ray, at least 100. What is left out of these is as the settings say. `binary`: the program, if it is not on
+        PATH. `progress`: called with the share that is done, from 0 to 1; left out, percents are shown on a
+        terminal and in a notebook.
+
+        Ctrl+C, the stop button of a notebook and an exception of `progress` end varlo at once, and leave nothing.
+        Raises `Fault` for a run that did not end well, with the line of Python that made the statement at fault.
+        """
+        arguments = rendering.options(width, height, antialias, jitter, threads, queue)
+        chosen = self._settings()
+        target = Path(chosen.output_name + FORMATS[chosen.output_type][1]) if path is None else Path(path)
+
+        def write(scene: Path) -> Writer:
+            with open(scene, "w", encoding="ascii") as out:
+                return self._write(out, chosen)
+        return rendering.render(write, target, arguments, binary, progress)
+
+    def _settings(self) -> settings:
+        """The settings that count, the last ones that stand in the scene itself; else the defaults."""
+        found = [item for item in self._all.items if isinstance(item, settings)]
+        return found[-1] if found else settings()
+
+    def _write(self, out: TextIO, missing: settings | None = None) -> Writer:
         writer = Writer(out)
         writer.add(self._all)
+        if missing is not None and not writer.words & {"settings", "include"}:
+            writer.add(missing)
         writer.end()
         return writer
