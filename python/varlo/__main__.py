@@ -3,7 +3,7 @@
 import importlib
 import sys
 
-TOOLS = ("check",)
+TOOLS = ("check", "render")
 
 
 def main() -> int:

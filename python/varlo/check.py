@@ -5,15 +5,14 @@ import math
 import os
 import sys
 from collections.abc import Callable, Iterator, Sequence
-from dataclasses import dataclass, field
+from dataclasses import dataclass
 from pathlib import Path
 
+from varlo.blocks import Block, Colours, declare, read_block
 from varlo.run import VarloError, ended_by_signals, run, scratch_folder
-from varlo.scan import BLOCKS, Statement, decimal, integer, kind_of, placed, statements, unreadable
+from varlo.scan import BLOCKS, kind_of, placed, statements, unreadable, working_folder
 
 OBJECTS = BLOCKS - {"camera", "settings", "light", "surface"}
-INTEGERS = {"resolution", "display", "aa_distance"}
-SAME = {"display": "resolution", "aa_type": "antialiasing"}
 VISIBLE = 0.5 / 255  # less than this rounds to no step of a picture
 JAGGED = 32
 STRETCH = 0.05
@@ -43,78 +42,11 @@ class Finding:
         return f"{self.file}:{self.line}: {kind}{self.message}{tail}"
 
 
-@dataclass(frozen=True)
-class Value:
-    """What stands behind a word of a block."""
-    line: int
-    numbers: tuple[float, ...] = ()
-    text: str = ""
-
-
-@dataclass
-class Block:
-    """A block of a scene that the program has accepted: for each word its values in their order."""
-    statement: Statement
-    values: dict[str, list[Value]] = field(default_factory=dict)
-
-    def last(self, word: str) -> Value | None:
-        found = self.values.get(word)
-        return found[-1] if found else None
-
-    def line(self, word: str) -> int:
-        value = self.last(word)
-        return self.statement.line if value is None else value.line
-
-    def numbers(self, word: str, *default: float) -> tuple[float, ...]:
-        value = self.last(word)
-        return default if value is None else value.numbers
-
-    def number(self, word: str, default: float) -> float:
-        return self.numbers(word, default)[0]
-
-    def text(self, word: str, default: str) -> str:
-        value = self.last(word)
-        return default if value is None else value.text
-
-    def warning(self, name: str, word: str, message: str) -> Finding:
-        return Finding(self.statement.source.path, self.line(word), message, name)
-
-
-Colours = dict[str, tuple[float, ...]]
-
-
-def read_block(statement: Statement, colours: Colours) -> Block:
-    block = Block(statement)
-    word, line = "", statement.line
-    numbers: list[float] = []
-    text = ""
-
-    def close() -> None:
-        if word:
-            block.values.setdefault(SAME.get(word, word), []).append(Value(line, tuple(numbers), text))
-
-    tokens = statement.tokens()
-    next(tokens)
-    for token in tokens:
-        if token.kind == '"':
-            text = next(tokens).text
-            next(tokens)
-        elif token.kind == "#":
-            numbers += colours.get(next(tokens).text, (0.0, 0.0, 0.0))
-        elif token.kind == "number":
-            numbers.append((integer if word in INTEGERS else decimal)(token.text))
-        elif token.kind in ("word", "}"):
-            close()
-            word, line, numbers, text = token.text, token.line, [], ""
-    return block
-
-
-def declare(statement: Statement, colours: Colours) -> None:
-    tokens = list(statement.tokens())
-    colours[tokens[2].text] = tuple(decimal(token.text) for token in tokens[-3:])
-
-
 # ---- warnings ----
+
+
+def warning(block: Block, name: str, word: str, message: str) -> Finding:
+    return Finding(block.statement.source.path, block.line(word), message, name)
 
 
 def scene_warnings(scene: Path, folder: Path) -> Iterator[Finding]:
@@ -155,10 +87,10 @@ def scene_warnings(scene: Path, folder: Path) -> Iterator[Finding]:
 def surface_warnings(surface: Block) -> Iterator[Finding]:
     color = surface.numbers("color", 0, 0, 0)
     if surface.number("refraction", 0) > 0 and max(color) == 1 and min(color) < 1:
-        yield surface.warning("glowing-rim", "color", "the rim of this glass will glow: through a long way in it, a "
-                              "channel at 1 stays and the others go; use 0.999 in place of 1")
+        yield warning(surface, "glowing-rim", "color", "the rim of this glass will glow: through a long way in it, a "
+                      "channel at 1 stays and the others go; use 0.999 in place of 1")
     if surface.number("refraction_index", 1) < 1:
-        yield surface.warning("low-index", "refraction_index", "a refraction_index below 1 is taken as 1")
+        yield warning(surface, "low-index", "refraction_index", "a refraction_index below 1 is taken as 1")
 
 
 def view_warnings(camera: Block, settings: Block) -> Iterator[Finding]:
@@ -170,16 +102,16 @@ def view_warnings(camera: Block, settings: Block) -> Iterator[Finding]:
             fov = math.radians(camera.number("fov", 45))
             true = fov / (2 * math.atan(math.tan(fov / 2) / shape))
         if all(abs(ratio / wanted - 1) > STRETCH for wanted in (shape, true)):
-            yield settings.warning("stretched", "resolution", f"a picture of {width:g} by {height:g} is stretched by "
-                                   f"the camera's ratio {ratio:.4g}; its true shape is ratio {true:.4g}")
+            yield warning(settings, "stretched", "resolution", f"a picture of {width:g} by {height:g} is stretched by "
+                          f"the camera's ratio {ratio:.4g}; its true shape is ratio {true:.4g}")
     yield from jagged(settings)
 
 
 def jagged(settings: Block) -> Iterator[Finding]:
     threshold = settings.number("aa_distance", 64)
     if settings.text("antialiasing", "none") == "adaptive" and threshold > JAGGED:
-        yield settings.warning("jagged", "aa_distance", f"aa_distance {threshold:g} leaves edges jagged where colours "
-                               f"differ by less than {min(2 * threshold, 255):g} of 255; 8 is a good value")
+        yield warning(settings, "jagged", "aa_distance", f"aa_distance {threshold:g} leaves edges jagged where colours "
+                      f"differ by less than {min(2 * threshold, 255):g} of 255; 8 is a good value")
 
 
 def is_attenuated(lamp: Block) -> bool:
@@ -206,8 +138,8 @@ def dim_lamps(scene: Path, folder: Path, lamps: list[Block]) -> Iterator[Finding
             if not dim:
                 return
     for lamp in dim if has_objects else ():
-        yield lamp.warning("dim-lamp", "color", "this lamp is so far away that it adds nothing: its light falls off "
-                           'by the square of the distance; write attenuation_type "none" or a larger color')
+        yield warning(lamp, "dim-lamp", "color", "this lamp is so far away that it adds nothing: its light falls off "
+                      'by the square of the distance; write attenuation_type "none" or a larger color')
 
 
 def adds_light(lamp: Block, surface: Block, distance: float) -> bool:
@@ -271,7 +203,7 @@ def check(scene: Path) -> list[Finding]:
     with scratch_folder() as scratch:
         done = run(["-i" if kind == "scene" else "-3ds", name, "-o", str(scratch / "picture"), "-ppm", "-r",
                     "1", "2", "-aan", "-pqs", "100000"], cwd=folder)
-    if done.status != 0:
+    if not done.is_good():
         fault = placed(done, scene, folder)
         return [Finding(fault.file or scene, fault.line or 1, fault.message)]
     if kind == "scene":
@@ -287,15 +219,6 @@ def size_faults(settings: Block) -> Iterator[Finding]:
     if value is not None and min(value.numbers) < 1:
         yield Finding(settings.statement.source.path, value.line,
                       f"A picture of {value.numbers[0]:g} x {value.numbers[1]:g} pixels cannot be rendered")
-
-
-def working_folder(scene: Path) -> Path:
-    """The scene's own folder, unless what it includes is not there but all here."""
-    def is_complete(folder: Path) -> bool:
-        include = unreadable(scene, folder)
-        return include is None or include.target is None or include.target.is_file()
-
-    return Path() if not is_complete(scene.parent) and is_complete(Path()) else scene.parent
 
 
 def main(arguments: Sequence[str] | None = None) -> int:

@@ -16,6 +16,7 @@ from types import FrameType
 
 MARK = 0xB1  # one column of the progress bar
 COLUMNS = 6  # of these are printed at once
+NO_PICTURE = ("Thread creation failed!!", "Memory alloction failed.")
 
 Progress = Callable[[float], None]
 
@@ -47,9 +48,13 @@ class Completed:
     output: str  # standard output without the marks of the bar, and behind it standard error
     seconds: float  # by the clock on the wall
 
+    def is_good(self) -> bool:
+        """Whether the picture is there; two faults come with a status of 0."""
+        return self.status == 0 and not any(words in self.output for words in NO_PICTURE)
+
     def check(self) -> "Completed":
         """Gives itself back, or raises the `Fault` that the run ended with."""
-        if self.status != 0 or "Thread creation failed!!" in self.output:
+        if not self.is_good():
             raise self.fault()
         return self
 
@@ -160,8 +165,11 @@ def scratch_folder(parent: Path | None = None, prefix: str = "varlo-") -> Iterat
     A small process outside of this one waits for its end, so that the folder goes away even where this process is
     killed on the spot.
     """
-    folder = tempfile.mkdtemp(prefix=prefix, dir=parent)
-    with subprocess.Popen(["sh", "-c", 'cat && rm -rf -- "$1"', "sh", folder], stdin=subprocess.PIPE,
+    try:
+        folder = tempfile.mkdtemp(prefix=prefix, dir=parent)
+    except OSError as error:
+        raise VarloError(f"{parent or tempfile.gettempdir()}: {error.strerror}") from error
+    with subprocess.Popen(["/bin/sh", "-c", 'cat && rm -rf -- "$1"', "sh", folder], stdin=subprocess.PIPE,
                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True):
         try:
             yield Path(folder)

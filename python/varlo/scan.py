@@ -227,6 +227,15 @@ def files(scene: Path, folder: Path) -> list[Path]:
     return list(found)
 
 
+def working_folder(scene: Path) -> Path:
+    """The scene's own folder, unless what it includes is not there but all here."""
+    def is_complete(folder: Path) -> bool:
+        include = unreadable(scene, folder)
+        return include is None or include.target is None or include.target.is_file()
+
+    return Path() if not is_complete(scene.parent) and is_complete(Path()) else scene.parent
+
+
 # ---- from a fault of the program to its place ----
 
 
