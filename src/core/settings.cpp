@@ -33,7 +33,7 @@ void setStartValues()
     bunching = 4;
     iPQSize = 128;
     numThreads = 2;
-    std::ranges::fill(iBounds, Band{});
+    std::fill(iBounds, iBounds + MAX_THREADS, Band{});
     use3ds = 0;
     inputFileName[0] = '\0';
     iCameraIndex = 0;

@@ -1,4 +1,3 @@
-#include "core/data.h"
 #include "picture/jpg.h"
 #include "picture/png.h"
 #include "picture/tiff.h"
@@ -11,10 +10,11 @@
 // they come, which shows them and makes the file. The other two refuse.
 
 // 4 * width * height bytes, red, green, blue, alpha, row 0 is the top; a row that is not there yet is
-// transparent. The page reads it while the threads write it.
+// transparent. The page reads it while the threads write it, and perhaps after they end: it goes with the
+// memory of the whole run.
 static constinit unsigned char* shown = nullptr;
 
-int openPNG(const char*, int width, int height)
+static int openPage(const char*, int width, int height)
 {
     shown = static_cast<unsigned char*>(calloc(static_cast<size_t>(width) * static_cast<size_t>(height), 4));
     if (shown == nullptr)
@@ -23,7 +23,7 @@ int openPNG(const char*, int width, int height)
     return 0;
 }
 
-int writePNGLine(unsigned char* line, int y)
+static int writePageLine(unsigned char* line, int y)
 {
     const auto width = static_cast<size_t>(myDisplay.width);
     unsigned char* row = shown + 4 * width * static_cast<size_t>(y);
@@ -40,41 +40,16 @@ int writePNGLine(unsigned char* line, int y)
     return 0;
 }
 
-void closePNG()
+static void closePage()
 {
-    free(shown);
 }
 
-static int refuse()
+static int refuse(const char*, int, int)
 {
     errno = ENOSYS;
     return -1;
 }
 
-int openJPG(const char*, int, int)
-{
-    return refuse();
-}
-
-int writeJPGLine(unsigned char*, int)
-{
-    return -1;
-}
-
-void closeJPG()
-{
-}
-
-int openTIFF(const char*, int, int)
-{
-    return refuse();
-}
-
-int writeTIFFLine(unsigned char*, int)
-{
-    return -1;
-}
-
-void closeTIFF()
-{
-}
+constexpr Writer writerPNG = {".png", openPage, writePageLine, closePage};
+constexpr Writer writerJPG = {".jpg", refuse, nullptr, nullptr};
+constexpr Writer writerTIFF = {".tif", refuse, nullptr, nullptr};

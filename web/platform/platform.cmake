@@ -13,11 +13,13 @@ add_compile_options(-msimd128)
 add_link_options(
     -sMODULARIZE=1 -sEXPORT_NAME=createVarlo -sINVOKE_RUN=0 -sEXIT_RUNTIME=1
     -sEXPORTED_RUNTIME_METHODS=callMain,FS,wasmMemory -sENVIRONMENT=worker,node
+    -sNODEJS_CATCH_EXIT=0 -sNODEJS_CATCH_REJECTION=0
     -sINITIAL_MEMORY=64MB -sALLOW_MEMORY_GROWTH=1 -sMAXIMUM_MEMORY=2GB)
 if(VARLO_THREADS)
     add_compile_options(-pthread)
     # The page says how many; each waits in a worker of its own before `main` is called.
-    add_link_options(-pthread -sPTHREAD_POOL_SIZE=Module['threads'])
+    # Memory that grows slows JavaScript alone down.
+    add_link_options(-pthread -sPTHREAD_POOL_SIZE=Module['threads'] -Wno-pthreads-mem-growth)
 else()
     list(APPEND VARLO_PLATFORM_SOURCES ${platform}/bands.cpp)
     add_link_options(-Wl,--wrap=pthread_create,--wrap=pthread_join)
