@@ -8,7 +8,7 @@ from pathlib import Path
 
 from scenes import HEAD, SCENE, InFolder
 from varlo.check import WARNINGS, check, main
-from varlo.scan import decimal, files, integer
+from varlo.scan import decimal, integer
 
 # Lines on which no fault can be put, because they lie in a comment that goes on, end with a colon.
 SCATTERED = {
@@ -87,12 +87,6 @@ class Faults(InFolder):
         self.assertEqual(self.places("a.set"), ["a.set:2: smooth light radius must be greater than 0"])
         self.write("a.obj", "v 1 2 3\n")
         self.assertEqual(self.places("a.obj"), ["a.obj:1: this is neither a scene nor a settings file"])
-
-    def test_the_files_of_a_scene(self) -> None:
-        for name, text in SCATTERED.items():
-            self.write(name, text)
-        found = [path.name for path in files(self.folder / "main.vlo", self.folder)]
-        self.assertEqual(found, ["main.vlo", "view.inc", "light.inc"])
 
     def test_numbers(self) -> None:
         for text, real, whole in (("1e3", 1000, 1), ("2.9", 2.9, 2), ("1-2", 1, 1), ("+.5", .5, 0), ("--", 0, 0),

@@ -3,7 +3,7 @@
 import importlib
 import sys
 
-TOOLS = ("check", "render")
+TOOLS = ("check", "render", "watch")
 
 
 def main() -> int:

@@ -207,7 +207,8 @@ def check(scene: Path) -> list[Finding]:
         fault = placed(done, scene, folder)
         return [Finding(fault.file or scene, fault.line or 1, fault.message)]
     if kind == "scene":
-        settings = [read_block(s, {}) for s in statements(scene, folder) if s.word == "settings"][-1]
+        settings = [read_block(s, {}) for s in statements(scene, folder, objects=False)
+                    if s.word == "settings"][-1]
         return [*size_faults(settings), *scene_warnings(scene, folder)]
     settings = read_block(next(statements(scene, folder)), {})
     return [*size_faults(settings), *jagged(settings)]

@@ -157,7 +157,7 @@ def render_to(scratch: Path, job: Job, scene: Path, kind: str, progress: Progres
 def picture_name(scene: Path) -> str:
     """What the scene says, else its own name. One with a fault may have none: the render will tell of it."""
     name = ""
-    for statement in statements(scene, working_folder(scene)):
+    for statement in statements(scene, working_folder(scene), objects=False):
         if statement.word in ("settings", SETTINGS) and statement.whole:
             value = read_block(statement, {}).last("output_name")
             name = "" if value is None else value.text
