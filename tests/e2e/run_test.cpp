@@ -2,6 +2,7 @@
 
 #include <regex>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using Words = std::vector<std::string>;
 
@@ -13,8 +14,9 @@ static const std::string SURFACE = "surface { color 0 0.25 1 ambient 0.5 reflect
 struct Run : testing::Test {
     const Folder folder;
 
-    /// Runs it with at most 24 open files.
-    Outcome run(Words words) const
+    /// Runs it with at most 24 open files, in a process that `prepare` can change.
+    Outcome run(
+        Words words, const std::function<void()>& prepare = [] {}) const
     {
         words.insert(words.begin(), VARLO_BINARY);
         std::vector<char*> argv;
@@ -28,6 +30,7 @@ struct Run : testing::Test {
             const rlimit files = {24, 24};
             setrlimit(RLIMIT_NOFILE, &files);
             std::filesystem::current_path(folder.path);
+            prepare();
             execv(argv[0], argv.data());
         });
     }
@@ -136,5 +139,16 @@ TEST_F(Run, OutputThatFails)
         EXPECT_EQ(missing.status, 1);
         EXPECT_EQ(missing.err, "none/o." + format + ": No such file or directory\n");
         EXPECT_TRUE(missing.out.ends_with(" Rendering to: none/o." + format + "\n Resolution:   9 x 9\n"));
+    }
+}
+
+TEST_F(Run, PictureIsWholeWhenStandardStreamsAreClosed)
+{
+    folder.write("scene", CAMERA + SURFACE + settings("display 9 9"));
+    EXPECT_EQ(run({"-i", "scene", "-o", "open"}).status, 0);
+    for (const std::vector<int>& closed : {std::vector{1}, {0, 1}, {1, 2}, {0, 1, 2}}) {
+        const Outcome outcome = run({"-i", "scene"}, [&] { std::ranges::for_each(closed, close); });
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(folder.read("o.ppm"), folder.read("open.ppm")) << closed.size();
     }
 }
