@@ -1,6 +1,7 @@
 #include "core/fatal.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -12,4 +13,12 @@ void fatal(const char* message, FILE* stream)
         pause();
     fputs(message, stream);
     exit(EXIT_FAILURE);
+}
+
+void endForFile(const char* fileName, int reason, int status)
+{
+    fflush(stdout); // so that a terminal shows the reason below what was said of the file
+    errno = reason;
+    perror(fileName);
+    exit(status);
 }

@@ -1,5 +1,8 @@
 #include "import3ds/chunk.h"
 
+#include "core/fatal.h"
+
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -9,6 +12,7 @@ constinit const char* damagedThing = "";
 static constexpr std::uint32_t HEADER_SIZE = 6;
 
 static constinit FILE* m_FilePointer = nullptr;
+static constinit const char* name = nullptr; // of the file, for a read that fails
 static constinit std::int64_t fileEnd = 0, position = 0;
 
 bool openChunks(const char* fileName)
@@ -16,6 +20,7 @@ bool openChunks(const char* fileName)
     m_FilePointer = fopen(fileName, "rb");
     if (m_FilePointer == nullptr)
         return false;
+    name = fileName;
     fseeko(m_FilePointer, 0, SEEK_END);
     fileEnd = ftello(m_FilePointer);
     rewind(m_FilePointer);
@@ -60,6 +65,8 @@ bool take(Chunk* chunk, void* data, std::uint32_t size)
     const size_t got = fread(data, 1, size, m_FilePointer);
     position += static_cast<std::int64_t>(got);
     chunk->bytesRead += static_cast<std::uint32_t>(got);
+    if (got < size && ferror(m_FilePointer) != 0)
+        endForFile(name, errno, -1);
     return got == size || damaged(position, FILE_END);
 }
 

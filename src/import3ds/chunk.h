@@ -36,7 +36,8 @@ std::int64_t filePosition();
 /// Stops the reading at byte `where`, since `thing` is wrong.
 bool damaged(std::int64_t where, const char* thing);
 
-/// Reads `size` bytes of the chunk. If the chunk is too short for them none are read.
+/// Reads `size` bytes of the chunk. If the chunk is too short for them none are read. A read that fails for
+/// another reason than the end of the file ends the process with status -1 and the words of the system.
 bool take(Chunk* chunk, void* data, std::uint32_t size);
 
 /// Steps over the rest of the chunk.

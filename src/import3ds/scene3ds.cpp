@@ -7,6 +7,7 @@
 #include "import3ds/3ds.h"
 #include "import3ds/settings3ds.h"
 #include "primitives/patch.h"
+#include "scene/lexer.h"
 #include "scene/view.h"
 
 #include <algorithm>
@@ -152,6 +153,7 @@ int parse3ds(const char* fileName)
         printf("\n 3ds settings file: %s could no be opened\n", fileName);
         exit(-1);
     }
+    sourceName = fileName;
     char modelName[INPUT_NAME_SIZE] = "";
     LightSettings lights{};
     yy_3DSSettings(stream, modelName, &lights.attenuation, &lights.shadowType, &lights.samples,

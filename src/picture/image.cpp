@@ -1,5 +1,6 @@
 #include "picture/image.h"
 
+#include "core/fatal.h"
 #include "picture/bmp.h"
 #include "picture/jpg.h"
 #include "picture/png.h"
@@ -29,12 +30,8 @@ int openImage(const char* name, int width, int height)
     const int reason = errno != 0 ? errno : EINVAL;
     printf(" Rendering to: %s\n", fileName);
     printf(" Resolution:   %d x %d\n", width, height);
-    if (opened != 0) {
-        fflush(stdout); // so that a terminal shows the reason below the name
-        errno = reason;
-        perror(fileName);
-        exit(EXIT_FAILURE);
-    }
+    if (opened != 0)
+        endForFile(fileName, reason, EXIT_FAILURE);
     return 0;
 }
 

@@ -1,5 +1,8 @@
 #include "picture/writer.h"
 
+#include "core/fatal.h"
+
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -37,16 +40,10 @@ FILE* createFile(const char* name, const char* mode)
     return fopen(name, mode);
 }
 
-[[noreturn]] static void endWithReason()
-{
-    perror(fileName);
-    exit(EXIT_FAILURE);
-}
-
 void writeBytes(FILE* fp, const void* bytes, std::size_t count)
 {
     if (fwrite(bytes, 1, count, fp) != count)
-        endWithReason();
+        endForFile(fileName, errno, EXIT_FAILURE);
 }
 
 void writeFields(FILE* fp, std::span<const Field> fields)
@@ -62,5 +59,5 @@ void writeFields(FILE* fp, std::span<const Field> fields)
 void closeFile(FILE* fp)
 {
     if (fclose(fp) != 0)
-        endWithReason();
+        endForFile(fileName, errno, EXIT_FAILURE);
 }

@@ -1,9 +1,11 @@
 #include "scene/lexer.h"
 
+#include "core/fatal.h"
 #include "scene/colors.h"
 #include "scene/keywords.h"
 
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
@@ -19,6 +21,7 @@ constinit int val_INT = 0;
 constinit Vec vect_tmp{};
 constinit Color rvb_tmp{};
 constinit int comptligne = 1;
+constinit const char* sourceName = "";
 
 // Character classes of the scanner; a byte of 128 or above belongs to none.
 enum : unsigned char { SPACE = 1, LETTER = 2, IN_WORD = 4, STARTS_NUMBER = 8, IN_NUMBER = 16 };
@@ -45,10 +48,19 @@ static bool is(int c, int flags)
     return c >= 0 && (classes[static_cast<size_t>(c)] & flags) != 0;
 }
 
+/// The next character. A read that fails is not the end of the file: it ends the run.
+static int get(FILE* stream)
+{
+    const int c = getc_unlocked(stream);
+    if (c == EOF && ferror(stream) != 0)
+        endForFile(sourceName, errno, -1);
+    return c;
+}
+
 /// The next character; counts line ends.
 static int next(FILE* stream)
 {
-    const int c = getc_unlocked(stream);
+    const int c = get(stream);
     if (c == '\n')
         ++comptligne;
     return c;
@@ -109,7 +121,7 @@ static const char* collect(FILE* stream, int c, int flags)
         if (end == chaine + TOKEN_SIZE - 1)
             yyerror(" token too long");
         *end++ = static_cast<char>(c);
-        c = getc_unlocked(stream);
+        c = get(stream);
     } while (is(c, flags));
     ungetc(c, stream);
     *end = '\0';

@@ -41,6 +41,9 @@ extern Vec vect_tmp;
 extern Color rvb_tmp;
 extern int comptligne; // 1 plus the line ends read so far, in all files together
 
+/// Name of the file that is being read, for the end of a run that cannot read on.
+extern const char* sourceName;
+
 /// Reads one token and returns its code, also in mot_cle.
 int Lire_MotCle(FILE* stream);
 

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 // Blocks read, for the test of completeness.
@@ -56,7 +57,12 @@ static constexpr Statement statements[] = {
     {"declare", yy_declare, &uncounted},
 };
 
-static FILE* openScene(const char* fileName)
+struct SceneFile {
+    FILE* stream;
+    std::string name;
+};
+
+static SceneFile openScene(const char* fileName)
 {
     FILE* stream = fopen(fileName, "r");
     if (stream == nullptr) {
@@ -64,13 +70,13 @@ static FILE* openScene(const char* fileName)
         exit(-1);
     }
     printf("\n Parsing %s", fileName);
-    return stream;
+    return {stream, fileName};
 }
 
 /// Acts on the statement whose first word was read. An `include` puts its file on top of `open`.
-static void parseStatement(std::vector<FILE*>& open)
+static void parseStatement(std::vector<SceneFile>& open)
 {
-    FILE* stream = open.back();
+    FILE* stream = open.back().stream;
     if (mot_cle == Keyword("include").code) {
         Lire_Chaine(stream);
         open.push_back(openScene(strTemp));
@@ -91,12 +97,13 @@ int parseScene(const char* fileName)
 {
     // A file that includes itself goes on until the system refuses one more stream, and that limit may be
     // high: the files that wait for their included one stand here and not on the stack.
-    std::vector<FILE*> open{openScene(fileName)};
+    std::vector<SceneFile> open{openScene(fileName)};
     while (!open.empty()) {
-        if (Lire_MotCle(open.back()) != TOKEN_EOF) {
+        sourceName = open.back().name.c_str();
+        if (Lire_MotCle(open.back().stream) != TOKEN_EOF) {
             parseStatement(open);
         } else {
-            fclose(open.back());
+            fclose(open.back().stream);
             open.pop_back();
         }
     }

@@ -4,6 +4,6 @@
 /// settings or a surface is missing. A fault in the text ends the process.
 int parseFile(const char* fileName);
 
-/// Reads one scene file, and those that it includes, to its end. Returns 0. A file that cannot be opened ends
-/// the process with status -1.
+/// Reads one scene file, and those that it includes, to its end. Returns 0. A file that cannot be opened or
+/// read ends the process with status -1.
 int parseScene(const char* fileName);

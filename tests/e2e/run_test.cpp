@@ -152,3 +152,23 @@ TEST_F(Run, PictureIsWholeWhenStandardStreamsAreClosed)
         EXPECT_EQ(folder.read("o.ppm"), folder.read("open.ppm")) << closed.size();
     }
 }
+
+TEST_F(Run, ReadThatFailsIsNotTheEndOfAFile)
+{
+    std::filesystem::create_directory(folder.path + "/d.3ds");
+    std::filesystem::create_symlink("/proc/self/mem", folder.path + "/broken"); // its first byte is no memory
+    folder.write("folder", CAMERA + SURFACE + settings("") + "include \"d.3ds\"");
+    folder.write("nothing", CAMERA + SURFACE + settings("") + "include \"broken\" sphere");
+    folder.write("model", "{ input_name \"d.3ds\" }");
+    const std::pair<Words, std::string> cases[] = {{{"-i", "d.3ds"}, "d.3ds: Is a directory\n"},
+                                                   {{"-i", "folder"}, "d.3ds: Is a directory\n"},
+                                                   {{"-i", "nothing"}, "broken: Input/output error\n"},
+                                                   {{"-3ds", "d.3ds"}, "d.3ds: Is a directory\n"},
+                                                   {{"-3ds", "model"}, "d.3ds: Is a directory\n"}};
+    for (const auto& [words, reason] : cases) {
+        SCOPED_TRACE(words[1]);
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 255);
+        EXPECT_EQ(outcome.err, reason);
+    }
+}
