@@ -1,5 +1,7 @@
 #include "picture/jpg.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 #include <jpeglib.h> // needs the declarations of cstdio
@@ -12,6 +14,11 @@ static constinit int image_width = 0, image_height = 0;
 
 static int openJPG(const char* name, int width, int height)
 {
+    if (std::max(width, height) > JPEG_MAX_DIMENSION) {
+        fprintf(stderr, "Maximum supported image dimension is %ld pixels\n", JPEG_MAX_DIMENSION);
+        errno = EINVAL;
+        return -1;
+    }
     outfile = createFile(name);
     if (outfile == nullptr)
         return -1;

@@ -1,33 +1,51 @@
 #include "picture/tiff.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <tiffio.h>
+#include <unistd.h>
 
+static constinit FILE* file = nullptr; // which libtiff writes to by its number
 static constinit TIFF* fp = nullptr;
 
-static void writeTIFFHeader(int width, int height)
+/// An offset in the file has 32 bits. Beside its bytes a row has its offset and its length there.
+static bool fits(int width, int height)
 {
-    TIFFSetField(fp, TIFFTAG_IMAGEWIDTH, width);
-    TIFFSetField(fp, TIFFTAG_IMAGELENGTH, height);
-    TIFFSetField(fp, TIFFTAG_BITSPERSAMPLE, 8);
-    TIFFSetField(fp, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-    TIFFSetField(fp, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-    TIFFSetField(fp, TIFFTAG_SAMPLESPERPIXEL, 3);
-    TIFFSetField(fp, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(fp, TIFFTAG_ROWSPERSTRIP, 1);
-    TIFFSetField(fp, TIFFTAG_IMAGEDESCRIPTION, "varlo pic!");
+    static constexpr std::uint64_t HEADER_AND_TAGS = 256;
+    const std::uint64_t row = rowSize(width), counted = row > UINT16_MAX ? 4 : 2;
+    return HEADER_AND_TAGS + (row + 4 + counted) * static_cast<std::uint64_t>(height) <= UINT32_MAX;
+}
+
+static int writeTIFFHeader(int width, int height)
+{
+    const bool isSet = TIFFSetField(fp, TIFFTAG_IMAGEWIDTH, width) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_IMAGELENGTH, height) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_BITSPERSAMPLE, 8) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_COMPRESSION, COMPRESSION_NONE) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_SAMPLESPERPIXEL, 3) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_ROWSPERSTRIP, 1) != 0 &&
+                       TIFFSetField(fp, TIFFTAG_IMAGEDESCRIPTION, "varlo pic!") != 0;
+    return isSet ? 0 : -1;
 }
 
 static int openTIFF(const char* name, int width, int height)
 {
-    // The sink tells why a file cannot be created, in the same words for all formats.
-    const TIFFErrorHandler handler = TIFFSetErrorHandler(nullptr);
-    fp = TIFFOpen(name, "w");
-    TIFFSetErrorHandler(handler);
-    if (fp == nullptr)
+    if (!fits(width, height)) {
+        errno = EFBIG;
         return -1;
-    writeTIFFHeader(width, height);
-    return newPicture(width, height);
+    }
+    // For reading too: a pipe nobody reads from opens at once then, and is found to be one.
+    file = createFile(name, "w+b");
+    if (file == nullptr || lseek(fileno(file), 0, SEEK_CUR) < 0)
+        return -1;
+    // The sink tells why a file cannot be begun, in the same words for all formats.
+    const TIFFErrorHandler handler = TIFFSetErrorHandler(nullptr);
+    fp = TIFFFdOpen(fileno(file), name, "w");
+    const bool isReady = fp != nullptr && writeTIFFHeader(width, height) == 0;
+    TIFFSetErrorHandler(handler);
+    return isReady ? newPicture(width, height) : -1;
 }
 
 static int writeTIFFLine(unsigned char* line, int y)
@@ -43,11 +61,12 @@ static void closeTIFF()
             exit(EXIT_SUCCESS);
         }
     }
-    // TIFFClose would write the last row and the directory too, but does not return the result. The reason
-    // is on standard error by then, in the words of libtiff.
+    // TIFFClose would write the last row and the directory and close the file, but returns no result. The
+    // reason is on standard error after a flush that fails, in the words of libtiff.
     if (TIFFFlush(fp) == 0)
         exit(EXIT_FAILURE);
-    TIFFClose(fp);
+    TIFFCleanup(fp);
+    closeFile(file);
 }
 
 constexpr Writer writerTIFF = {".tif", openTIFF, writeTIFFLine, closeTIFF};

@@ -172,3 +172,41 @@ TEST_F(Run, ReadThatFailsIsNotTheEndOfAFile)
         EXPECT_EQ(outcome.err, reason);
     }
 }
+
+TEST_F(Run, PicturesThatTheirFormatCannotHoldEndBeforeTheRender)
+{
+    folder.write("scene", CAMERA + SURFACE + settings(""));
+    ASSERT_EQ(mkfifo((folder.path + "/pipe.tif").c_str(), 0600), 0);
+    const std::pair<Words, std::string> cases[] = {
+        {{"-tif", "-r", "40000", "40000"}, "o.tif: File too large\n"},
+        {{"-tif", "-o", "pipe"}, "pipe.tif: Illegal seek\n"},
+        {{"-jpg", "-r", "65501", "1"},
+         "Maximum supported image dimension is 65500 pixels\no.jpg: Invalid argument\n"},
+        {{"-jpg", "-r", "1", "65501"},
+         "Maximum supported image dimension is 65500 pixels\no.jpg: Invalid argument\n"}};
+    for (const auto& [format, reason] : cases) {
+        SCOPED_TRACE(reason);
+        Words words = {"-i", "scene"};
+        words.insert(words.end(), format.begin(), format.end());
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, reason);
+        EXPECT_EQ(outcome.out.find("%"), std::string::npos);
+    }
+}
+
+TEST_F(Run, TiffOnAFullDiskSaysSo)
+{
+    folder.write("scene", CAMERA + SURFACE + settings("display 9 9"));
+    // 8 bytes of header, 9 rows of 27 bytes, then the directory; only a lost row is no failure.
+    const std::pair<rlim_t, int> cases[] = {{4, 1}, {100, 0}, {251, 1}, {300, 1}};
+    for (const auto& [size, status] : cases) {
+        const Outcome outcome = run({"-i", "scene", "-tif", "-o", std::to_string(size)}, [&, limit = size] {
+            const rlimit bytes = {limit, limit};
+            setrlimit(RLIMIT_FSIZE, &bytes);
+            signal(SIGXFSZ, SIG_IGN);
+        });
+        EXPECT_EQ(outcome.status, status) << size;
+        EXPECT_NE(outcome.err, "") << size;
+    }
+}
