@@ -2,8 +2,9 @@
 
 #include "core/data.h"
 
-// Turns the list of primitives into a tree of bounding nodes around the same records: repeated passes, each of
-// which splits the list around mean positions until the pieces are small enough to be wrapped into one node.
+// Turns the list of primitives into a tree of bounding nodes around the same records: repeated passes, each
+// of which splits the list around mean positions until the pieces are small enough to be wrapped into one
+// node.
 
 /// The members of a bounding node.
 struct ChildList {

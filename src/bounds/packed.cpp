@@ -9,6 +9,8 @@
 #include <limits>
 
 constinit PackedMember packedRoot = 0;
+constinit const Folded* packedFolded = nullptr;
+constinit bool packedEncloses = true;
 
 static constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
@@ -23,7 +25,9 @@ namespace
 {
 /// The work of one packTree.
 struct Packing {
-    PackedNode* next;       // where the next node goes
+    PackedNode* nodes;
+    Folded* folded;
+    size_t count = 0;       // of nodes so far
     bool hasNumbers = true; // all bounds so far are numbers
 };
 } // namespace
@@ -35,6 +39,7 @@ static void packBounds(const Object* member, PackedNode* packed, int lane, Packi
     for (int axis = 0; axis < 3; ++axis) {
         const auto [low, high] = std::minmax(member->boundsMin[axis], member->boundsMax[axis]);
         packing->hasNumbers = packing->hasNumbers && low <= high;
+        packedEncloses = packedEncloses && member->boundsMin[axis] <= member->boundsMax[axis];
         packed->planes[axis][lane] = packedBound(low);
         packed->planes[3 + axis][lane] = packedBound(high);
     }
@@ -42,34 +47,62 @@ static void packBounds(const Object* member, PackedNode* packed, int lane, Packi
 
 namespace
 {
-/// The members that one packed node gets.
+/// What stands in one packed node: its members, and the nodes that gave up their place to theirs. The owner
+/// of either is the folded node right above it, by number, or -1.
 struct Members {
     const Object* objects[LANES];
-    int count = 0, folded = 0;
+    int owners[LANES];
+    int count = 0;
+    int foldedOwners[MAX_FOLDED];
+    int folded = 0;
 };
 } // namespace
 
-static void addMembers(const Object* node, Members* members)
+static void addMembers(const Object* node, int owner, Members* members)
 {
-    for (const Object* member = childrenOf(node).first; member != nullptr; member = member->next)
-        members->objects[members->count++] = member;
+    for (const Object* member = childrenOf(node).first; member != nullptr; member = member->next) {
+        members->objects[members->count] = member;
+        members->owners[members->count++] = owner;
+    }
+}
+
+/// Half the surface of the bounds.
+static double surfaceOf(const Object* object)
+{
+    double e[3];
+    for (int axis = 0; axis < 3; ++axis)
+        e[axis] = object->boundsMax[axis] - object->boundsMin[axis];
+    return e[0] * e[1] + e[1] * e[2] + e[2] * e[0];
+}
+
+/// The lane of the node with the largest surface among those whose members have room, or -1.
+static int laneToFold(const Members& members)
+{
+    int found = -1;
+    double largest = -1.0;
+    for (int lane = 0; lane < members.count; ++lane) {
+        const Object* object = members.objects[lane];
+        if (object->type != BOUNDING_NODE || members.count - 1 + childrenOf(object).count > LANES)
+            continue;
+        if (const double surface = surfaceOf(object); surface > largest) {
+            largest = surface;
+            found = lane;
+        }
+    }
+    return found;
 }
 
 /// The members of `node`; as long as there is room for them, those of a member stand in its place.
 static Members gatherMembers(const Object* node)
 {
     Members members;
-    addMembers(node, &members);
-    for (int i = 0; i < members.count;) {
-        const Object* member = members.objects[i];
-        if (member->type != BOUNDING_NODE || members.count - 1 + childrenOf(member).count > LANES) {
-            ++i;
-            continue;
-        }
-        members.objects[i] = members.objects[--members.count];
-        addMembers(member, &members);
-        ++members.folded;
-        i = 0;
+    addMembers(node, -1, &members);
+    for (int lane; (lane = laneToFold(members)) >= 0;) {
+        const Object* folded = members.objects[lane];
+        members.foldedOwners[members.folded] = members.owners[lane];
+        members.objects[lane] = members.objects[--members.count];
+        members.owners[lane] = members.owners[members.count];
+        addMembers(folded, members.folded++, &members);
     }
     return members;
 }
@@ -77,7 +110,9 @@ static Members gatherMembers(const Object* node)
 /// Packs `node`, and its subtrees behind it.
 static PackedMember pack(const Object* node, Packing* packing)
 {
-    PackedNode* packed = packing->next++;
+    PackedNode* packed = packing->nodes + packing->count;
+    Folded* folded = packing->folded + packing->count++;
+    *folded = {};
     for (int row = 0; row < 6; ++row)
         for (float& plane : packed->planes[row])
             plane = row < 3 ? INFINITE : -INFINITE;
@@ -85,6 +120,8 @@ static PackedMember pack(const Object* node, Packing* packing)
     for (int lane = 0; lane < members.count; ++lane) {
         const Object* member = members.objects[lane];
         packBounds(member, packed, lane, packing);
+        for (int owner = members.owners[lane]; owner >= 0; owner = members.foldedOwners[owner])
+            folded->lanes[owner] |= static_cast<std::uint8_t>(1 << lane);
         packed->members[lane] = member->type == BOUNDING_NODE ? pack(member, packing) : memberOf(member);
     }
     return memberOf(packed, members.folded);
@@ -100,10 +137,16 @@ void packTree()
     if (queue == nullptr)
         return;
     free(queue);
-    Packing packing{.next = static_cast<PackedNode*>(aligned_alloc(
-                        alignof(PackedNode), static_cast<size_t>(iNumNodes) * sizeof(PackedNode)))};
-    if (packing.next == nullptr)
+    const auto count = static_cast<size_t>(iNumNodes);
+    Packing packing{
+        .nodes = static_cast<PackedNode*>(aligned_alloc(alignof(PackedNode), count * sizeof(PackedNode))),
+        .folded = static_cast<Folded*>(malloc(count * sizeof(Folded)))};
+    packedFolded = packing.folded;
+    if (packing.nodes == nullptr || packing.folded == nullptr) {
+        free(packing.nodes);
         return;
+    }
+    packedEncloses = true;
     packedRoot = pack(myObjectList, &packing);
     if (!packing.hasNumbers)
         releasePackedTree();
@@ -112,5 +155,7 @@ void packTree()
 void releasePackedTree()
 {
     free(const_cast<PackedNode*>(nodeOf(packedRoot)));
+    free(const_cast<Folded*>(packedFolded));
     packedRoot = 0;
+    packedFolded = nullptr;
 }

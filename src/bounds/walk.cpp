@@ -5,12 +5,13 @@
 #include "core/settings.h"
 #include "primitives/kinds.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <utility>
 #if defined(__SSE2__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 // The fast walk: depth first over the packed tree, with a small stack, the nearest member first. `intersect`
@@ -38,39 +39,42 @@
 // A shadow ray needs less: any object before the limit that passes the exact slab test is one that the heap
 // would have come to, unless it had stopped at another one. Only a ray that nothing blocks needs (3).
 //
-// The slab test here runs on four members at a time, in floats, which lets twice as many nodes into a cache.
+// The slab test here runs on eight members at a time, in floats, which lets twice as many nodes into a cache.
 // Its errors go one way: it lets through whatever the heap would let through, with a key that is not above
 // the heap's. The slack for that is relative to the distance from the ray's origin to a plane and to the
-// coordinates of the origin, and so covers the rounding of the planes too.
-
-using Lanes = float __attribute__((vector_size(LANES * sizeof(float))));
-using LaneMask = int __attribute__((vector_size(LANES * sizeof(int))));
+// coordinates of the origin, and so covers the rounding of the planes too. Planes are cut to 1e30. With
+// coordinates of the origin and a limit below 1e20, and reciprocals of the direction above 1e-6, a plane that
+// was cut lies, in floats as in doubles, some 1e24 along the ray, far behind the limit; other rays are the
+// heap's.
+//
+// The code of the walk stands in walk.inc and is compiled twice: once with two halves of four lanes, for
+// every machine, and once with all eight in a register of AVX2, which is used where the processor has it.
+// Both calculate the same numbers.
 
 // Well above the rounding of doubles, well below what tells two hits apart.
 static constexpr double SLACK = 1e-9;
 // More than a few roundings of a float.
 static constexpr double FLOAT_SLACK = 1e-6;
-// Reciprocals and coordinates that floats hold with their full precision.
-static constexpr double LEAST = 1e-30, MOST = 1e30;
+// Limits of what the proof covers.
+static constexpr double LEAST_INVERSE = 1e-6, MOST_INVERSE = 1e30, MOST = 1e20;
 
 static constexpr PackedMember NO_MEMBER = 0;
 
 // What opening a node may add to the heap, by its passing members: their number less one, or nothing.
-static constexpr std::uint8_t gainOf[16] = {0, 0, 0, 1, 0, 1, 1, 2, 0, 1, 1, 2, 1, 2, 2, 3};
+static constexpr auto gainOf = [] {
+    std::array<std::uint8_t, 1 << LANES> gains{};
+    for (unsigned passing = 1; passing < gains.size(); ++passing)
+        gains[passing] = static_cast<std::uint8_t>(std::popcount(passing) - 1);
+    return gains;
+}();
+
+// The moments of a sweep: MOMENTS_IN_OCTAVE to each doubling of the distance, from 2 to the power of
+// FIRST_OCTAVE on; what is before or behind falls to the first or the last.
+static constexpr int MOMENTS_IN_OCTAVE = 32, FIRST_OCTAVE = -14, OCTAVES = 40;
+static constexpr int MOMENTS = MOMENTS_IN_OCTAVE * OCTAVES;
 
 namespace
 {
-/// A ray as the slab test wants it. The planes that it enters by and leaves by are told by the sign of its
-/// direction.
-struct WalkRay {
-    double origin[3], direction[3];
-    int entry[3], leave[3]; // rows of PackedNode::planes
-    // Rounded so that a ray enters too early and leaves too late.
-    Lanes entryOrigin[3], entryInverse[3];
-    Lanes leaveOrigin[3], leaveInverse[3];
-    Lanes limit;
-};
-
 /// A member that waits, and where the ray enters its bounds.
 struct Pending {
     float key;
@@ -82,6 +86,17 @@ struct Stack {
     static constexpr int SIZE = 256;
     Pending entries[SIZE + LANES];
     int size = 0;
+};
+
+/// What a walk looks for: the nearest object, or any that the heap would have come to.
+enum class Job { NEAREST, ANY };
+
+/// What a walk found: the distances of the nearest hit and of the next one behind it, and a bound on the
+/// entries of the heap.
+struct Findings {
+    const Object* closest;
+    double best, second;
+    int queued;
 };
 } // namespace
 
@@ -96,13 +111,57 @@ static inline float reachOf(double distance)
     return static_cast<float>(withSlack(distance) * (1.0 + FLOAT_SLACK));
 }
 
-static inline Lanes spread(double value)
+static inline int momentOf(float key)
 {
-    return Lanes{} + static_cast<float>(value);
+    // The bits of a float that is not negative grow with it: eight of exponent, then the fraction.
+    constexpr int SHIFT = 23 - std::countr_zero(static_cast<unsigned>(MOMENTS_IN_OCTAVE));
+    constexpr int FIRST = (127 + FIRST_OCTAVE) * MOMENTS_IN_OCTAVE;
+    const int moment = (std::bit_cast<std::int32_t>(key) >> SHIFT) - FIRST;
+    return moment < 0 ? 0 : moment < MOMENTS ? moment : MOMENTS - 1;
 }
 
-static inline int lanesOf(const LaneMask& mask)
+namespace halves
 {
+// Two vectors of four floats; one for a number that all lanes share.
+using Shared = float __attribute__((vector_size(16)));
+struct Lanes {
+    Shared low, high;
+};
+
+static inline Shared share(double value)
+{
+    return Shared{} + static_cast<float>(value);
+}
+
+static inline Lanes distances(const float* planes, Shared origin, Shared inverse)
+{
+    const auto* halves = reinterpret_cast<const Shared*>(planes);
+    return {(halves[0] - origin) * inverse, (halves[1] - origin) * inverse};
+}
+
+static inline Shared greater(Shared a, Shared b)
+{
+    return a > b ? a : b;
+}
+
+static inline Shared lesser(Shared a, Shared b)
+{
+    return a < b ? a : b;
+}
+
+static inline Lanes greater(const Lanes& a, const Lanes& b)
+{
+    return {greater(a.low, b.low), greater(a.high, b.high)};
+}
+
+static inline Lanes lesser(const Lanes& a, const Lanes& b)
+{
+    return {lesser(a.low, b.low), lesser(a.high, b.high)};
+}
+
+static inline int notAbove(Shared a, Shared b)
+{
+    const auto mask = a <= b;
 #if defined(__SSE2__)
     return _mm_movemask_ps(reinterpret_cast<__m128>(mask));
 #else
@@ -110,140 +169,97 @@ static inline int lanesOf(const LaneMask& mask)
 #endif
 }
 
-/// Sets up the ray. False for one that is better left to the heap: a component of 0, where the slab test
-/// skips the axis, or of something that floats cannot calculate with.
-static inline bool prepare(const Ray& ray, double limit, WalkRay* w)
+/// Which lanes of `a` are not above those of `b`, a bit each.
+static inline int notAbove(const Lanes& a, const Lanes& b)
 {
-    for (int axis = 0; axis < 3; ++axis) {
-        const double origin = w->origin[axis] = coordinate(ray.origin, axis);
-        const double direction = w->direction[axis] = coordinate(ray.direction, axis);
-        const double inverse = 1.0 / direction;
-        if (!(std::abs(inverse) > LEAST && std::abs(inverse) < MOST && std::abs(origin) < MOST))
-            return false;
-        const bool forward = inverse > 0.0;
-        const double margin = (forward ? FLOAT_SLACK : -FLOAT_SLACK) * std::abs(origin);
-        w->entry[axis] = forward ? axis : 3 + axis;
-        w->leave[axis] = forward ? 3 + axis : axis;
-        w->entryOrigin[axis] = spread(origin + margin);
-        w->leaveOrigin[axis] = spread(origin - margin);
-        w->entryInverse[axis] = spread(inverse * (1.0 - FLOAT_SLACK));
-        w->leaveInverse[axis] = spread(inverse * (1.0 + FLOAT_SLACK));
-    }
-    w->limit = spread(limit * (1.0 + FLOAT_SLACK));
-    return true;
+    return notAbove(a.low, b.low) | notAbove(a.high, b.high) << 4;
 }
 
-/// Which members of `node` the ray may meet before its limit, a bit each, and where it enters them, at least
-/// 0.
-static inline int enterMembers(const PackedNode& node, const WalkRay& ray, Lanes* keys)
+static inline Lanes all(Shared value)
 {
-    Lanes in[3], out[3];
-    for (int axis = 0; axis < 3; ++axis) {
-        const auto& entry = reinterpret_cast<const Lanes&>(node.planes[ray.entry[axis]]);
-        const auto& leave = reinterpret_cast<const Lanes&>(node.planes[ray.leave[axis]]);
-        in[axis] = (entry - ray.entryOrigin[axis]) * ray.entryInverse[axis];
-        out[axis] = (leave - ray.leaveOrigin[axis]) * ray.leaveInverse[axis];
-    }
-    const auto greater = [](Lanes a, Lanes b) { return a > b ? a : b; };
-    const auto lesser = [](Lanes a, Lanes b) { return a < b ? a : b; };
-    *keys = greater(greater(in[0], in[1]), greater(in[2], Lanes{}));
-    return lanesOf(*keys <= lesser(lesser(out[0], out[1]), lesser(out[2], ray.limit)));
+    return {value, value};
 }
 
-/// Takes one of the members in `mask`, which holds one at least, and puts the others onto the stack: the
-/// nearest first, or in any order, which is quicker.
-template <bool nearestFirst>
-static inline PackedMember takeFirst(Stack* stack, const PackedNode& node, int mask, const Lanes& keys)
+static inline void store(const Lanes& lanes, float* list)
 {
-    int first = std::countr_zero(static_cast<unsigned>(mask));
-    const int base = stack->size;
-    for (mask &= mask - 1; mask != 0; mask &= mask - 1) {
-        int lane = std::countr_zero(static_cast<unsigned>(mask));
-        int i = stack->size++;
-        if (nearestFirst) {
-            if (keys[lane] < keys[first])
-                std::swap(lane, first);
-            for (; i > base && stack->entries[i - 1].key < keys[lane]; --i)
-                stack->entries[i] = stack->entries[i - 1];
-        }
-        stack->entries[i] = {.key = keys[lane], .member = node.members[lane]};
-    }
-    return node.members[first];
+    auto* halves = reinterpret_cast<Shared*>(list);
+    halves[0] = lanes.low;
+    halves[1] = lanes.high;
 }
 
-/// Takes the next member that begins before `reachable` from the stack. False if there is none.
-static inline bool pop(Stack* stack, float reachable, PackedMember* member)
+#include "bounds/walk.inc"
+} // namespace halves
+
+#if defined(__x86_64__) || defined(__i386__)
+#define VARLO_HAS_WIDE 1
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
+#pragma GCC push_options
+#pragma GCC target("avx2")
+#endif
+namespace wide
 {
-    while (stack->size > 0) {
-        const Pending& top = stack->entries[--stack->size];
-        *member = top.member;
-        if (!(top.key > reachable))
-            return true;
-    }
-    return false;
+using Shared = __m256;
+using Lanes = __m256;
+
+static inline Shared share(double value)
+{
+    return _mm256_set1_ps(static_cast<float>(value));
 }
 
-/// The nearest object before `limit`, or, if `any` is set, any one that the heap would have come to.
-template <bool any>
-static Answer walk(const Ray& ray, double limit, const Object* exclude, const Object** found)
+static inline Lanes distances(const float* planes, Shared origin, Shared inverse)
 {
-    WalkRay lanes;
-    if (!prepare(ray, limit, &lanes))
-        return Answer::UNSURE;
-
-    const Object* closest = nullptr;
-    double best = limit, second = limit; // distances of the nearest hit and of the next one behind it
-    float reachable = reachOf(best);
-    int queued = 1; // the heap would hold at most so many entries
-    Stack stack;
-    PackedMember member = packedRoot;
-    do {
-        while (isNode(member)) {
-            const PackedNode& node = *nodeOf(member);
-            Lanes keys;
-            const int passing = enterMembers(node, lanes, &keys);
-            queued += gainOf[passing] + foldedNodesOf(member);
-            const int mask = passing & lanesOf(keys <= reachable);
-            if (stack.size > Stack::SIZE)
-                return Answer::UNSURE;
-            member = mask != 0 ? takeFirst<!any>(&stack, node, mask, keys) : NO_MEMBER;
-        }
-        if (member == NO_MEMBER)
-            continue;
-        const Object* object = objectOf(member);
-        double t;
-        if (object == exclude || !reach(object, typeOf(member), ray, &t) || !(t < second))
-            continue;
-        if (double exact; any && passesSlabs(object, limit, lanes.origin, lanes.direction, &exact)) {
-            *found = object;
-            return Answer::FOUND;
-        }
-        second = t < best ? best : t;
-        if (t < best) {
-            best = t;
-            closest = object;
-            reachable = reachOf(best);
-        }
-    } while (pop(&stack, reachable, &member));
-
-    if (queued >= iPQSize)
-        return Answer::UNSURE;
-    if (closest == nullptr)
-        return Answer::NOTHING;
-    double exact;
-    if (second <= withSlack(best) || !passesSlabs(closest, limit, lanes.origin, lanes.direction, &exact) ||
-        exact > withSlack(best))
-        return Answer::UNSURE;
-    *found = closest;
-    return Answer::FOUND;
+    return _mm256_mul_ps(_mm256_sub_ps(_mm256_load_ps(planes), origin), inverse);
 }
+
+static inline Lanes greater(Lanes a, Lanes b)
+{
+    return _mm256_max_ps(a, b);
+}
+
+static inline Lanes lesser(Lanes a, Lanes b)
+{
+    return _mm256_min_ps(a, b);
+}
+
+static inline int notAbove(Lanes a, Lanes b)
+{
+    return _mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_LE_OQ));
+}
+
+static inline Lanes all(Shared value)
+{
+    return value;
+}
+
+static inline void store(Lanes lanes, float* list)
+{
+    _mm256_store_ps(list, lanes);
+}
+
+#include "bounds/walk.inc"
+} // namespace wide
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
+#pragma GCC pop_options
+#endif
+
+bool isWideWalk = __builtin_cpu_supports("avx2") != 0;
+#else
+bool isWideWalk = false;
+namespace wide = halves;
+#endif
 
 Answer walkToNearest(const Ray& ray, double limit, const Object* exclude, const Object** found)
 {
-    return walk<false>(ray, limit, exclude, found);
+    return isWideWalk ? wide::walkToNearest(ray, limit, exclude, found)
+                      : halves::walkToNearest(ray, limit, exclude, found);
 }
 
 Answer walkToAny(const Ray& ray, double limit, const Object* exclude, const Object** found)
 {
-    return walk<true>(ray, limit, exclude, found);
+    return isWideWalk ? wide::walkToAny(ray, limit, exclude, found)
+                      : halves::walkToAny(ray, limit, exclude, found);
 }

@@ -3,6 +3,7 @@
 #include "bounds/bound.h"
 #include "bounds/packed.h"
 #include "bounds/slab.h"
+#include "bounds/walk.h"
 #include "primitives/kinds.h"
 #include "support.h"
 
@@ -12,7 +13,13 @@ static constexpr Vec O = {0, 0, 0}, Z = {0, 0, 1};
 static std::minstd_rand engine;            // the same numbers in every run
 static std::vector<const Object*> objects; // without the nodes above them
 
-using IntersectTest = SceneTest;
+struct IntersectTest : SceneTest {
+    const bool isWide = isWideWalk; // as the processor allows
+    ~IntersectTest() override
+    {
+        isWideWalk = isWide;
+    }
+};
 
 TEST_F(IntersectTest, SlabsHoldTheirLimits)
 {
@@ -167,6 +174,7 @@ TEST_F(IntersectTest, AgreesWithALoopOverAllObjects)
             iPQSize = 1024;
             packTree();
             for (int i = 0; i < 3000 && !HasFailure(); ++i) {
+                isWideWalk = isWide && i % 2 == 0;
                 const Ray ray = randomRay();
                 const Hit hit = compareWays(ray, NO_LIMIT, nullptr, kind.isEnclosed);
                 const Vec start = ray.origin + hit.distance * ray.direction;
@@ -184,6 +192,7 @@ TEST_F(IntersectTest, RunsOverOnTheSameRays)
     addObjects(kinds[1], 300);
     int ends = 0;
     for (iPQSize = 10; iPQSize < 70; iPQSize += 2) {
+        isWideWalk = isWide && iPQSize % 4 == 0;
         packTree();
         const Ray ray = randomRay();
         Hit hit;
