@@ -18,7 +18,7 @@ install(FILES packaging/varlo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/pack
 
 install(DIRECTORY python/varlo DESTINATION ${python_dir} COMPONENT tools
     FILES_MATCHING PATTERN *.py PATTERN py.typed PATTERN __pycache__ EXCLUDE)
-foreach(tool IN ITEMS check render watch)
+foreach(tool IN ITEMS check render watch film)
     configure_file(python/launcher.in python/varlo-${tool} @ONLY)
     install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/python/varlo-${tool} DESTINATION ${CMAKE_INSTALL_BINDIR}
         COMPONENT tools)

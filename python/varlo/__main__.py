@@ -3,7 +3,7 @@
 import importlib
 import sys
 
-TOOLS = ("check", "render", "watch")
+TOOLS = ("check", "render", "watch", "film")
 
 
 def main() -> int:
