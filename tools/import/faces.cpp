@@ -2,7 +2,10 @@
 
 #include "output.h"
 
-#include <utility>
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <iterator>
 
 // The least cosine between the normal of a corner and that of its face. A patch whose corner normal points to
 // the other side has that one turned over, and shows a black or bright spot there.
@@ -12,8 +15,11 @@ static Vec cornerNormal(const Instance& instance, unsigned index, int k)
 {
     const aiMesh& mesh = *instance.mesh;
     const aiFace& record = mesh.mFaces[index];
-    const Vec normal = instance.smooth != nullptr ? smoothNormal(*instance.smooth, record, index, k)
-                                                  : widen(mesh.mNormals[record.mIndices[k]]);
+    Vec normal; // for flat triangles none is needed
+    if (instance.smooth != nullptr)
+        normal = smoothNormal(*instance.smooth, record, index, k);
+    else if (mesh.HasNormals())
+        normal = widen(mesh.mNormals[record.mIndices[k]]);
     return unit(turned(instance.turn, normal));
 }
 
@@ -59,10 +65,45 @@ void partWeights(unsigned part, Vec weights[3])
             weights[k] = middles[3 - k - part % 4];
 }
 
-/// Normals need not be exact: these steps are a hundredth of a degree.
-static Vec rounded(const Vec& v)
+// ---- writing ----
+
+// Corners come again in the faces around them, mostly soon: the text of each waits in a place that hangs on
+// where the corner is, until another one needs that.
+struct CornerText {
+    Vec corner, normal;
+    unsigned length = 0; // 0: none
+    char text[2 * 3 * LONGEST_NUMBER];
+};
+static CornerText cornerTexts[1 << 13];
+
+static size_t slotOf(const Vec& corner)
 {
-    return {std::round(v.x * 1e4) * 1e-4, std::round(v.y * 1e4) * 1e-4, std::round(v.z * 1e4) * 1e-4};
+    uint64_t hash = 0;
+    for (const double part : {corner.x, corner.y, corner.z})
+        hash = (hash ^ std::bit_cast<uint64_t>(part)) * 0x9E3779B97F4A7C15u;
+    return hash >> 32 & (std::size(cornerTexts) - 1);
+}
+
+static char* append(char* out, std::string_view text)
+{
+    return std::copy(text.begin(), text.end(), out);
+}
+
+static void putCorner(const Vec& corner, const Vec& normal, bool flat)
+{
+    constexpr int NORMAL_DECIMALS = 4; // a hundredth of a degree
+    const auto equal = [](const Vec& a, const Vec& b) { return a.x == b.x && a.y == b.y && a.z == b.z; };
+    CornerText& slot = cornerTexts[slotOf(corner)];
+    if (slot.length == 0 || !equal(slot.corner, corner) || !equal(slot.normal, normal)) {
+        char* out = append(slot.text, " vertex ");
+        out = formatVector(out, corner, pointDecimals);
+        if (!flat)
+            out = formatVector(append(out, " normal "), normal, NORMAL_DECIMALS);
+        slot.corner = corner;
+        slot.normal = normal;
+        slot.length = static_cast<unsigned>(out - slot.text);
+    }
+    put(std::string_view(slot.text, slot.length));
 }
 
 void putFace(const Face& face, unsigned part, bool flat)
@@ -70,10 +111,7 @@ void putFace(const Face& face, unsigned part, bool flat)
     Vec weights[3];
     partWeights(part, weights);
     put(flat ? "triangle {" : "patch {");
-    for (const Vec& w : weights) {
-        putAll(" vertex ", blend(face.corners, w));
-        if (!flat)
-            putAll(" normal ", rounded(unit(blend(face.normals, w))));
-    }
+    for (const Vec& w : weights)
+        putCorner(blend(face.corners, w), flat ? Vec() : unit(blend(face.normals, w)), flat);
     put(" }\n");
 }

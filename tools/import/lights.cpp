@@ -6,7 +6,8 @@
 #include <algorithm>
 
 constexpr float LEAST_COLOUR = 0.001f; // the language has no light of 0
-constexpr double FAR = 100.0;          // a sun's distance, in diagonals of the model
+constexpr double FAR =
+    1000.0; // distance of a sun and of the lights that are added, in diagonals of the model
 constexpr size_t MOST_PROBES = 100000; // vertices at which the light is measured
 
 // ---- the lights of the file ----
@@ -152,7 +153,7 @@ static std::vector<Light> addedLights(const Model& model, const Camera& camera)
     } STUDIO[] = {{"key", -35, 40, 0.7f}, {"fill", 50, 20, 0.2f}, {"rim", 160, 40, 0.1f}};
 
     const Vec middle = (model.low + model.high) * 0.5;
-    const double distance = 4.0 * (model.high - model.low).Length();
+    const double distance = FAR * (model.high - model.low).Length();
     Vec front = camera.position - middle;
     front.z = 0.0;
     if (front.SquareLength() < 1e-6 * distance * distance)

@@ -5,7 +5,7 @@
 
 static bool run(const Options& options)
 {
-    Model model;
+    Model& model = *new Model; // for good: to give a million faces back one by one serves nobody
     if (!readModel(options, model) || !openOutput(options.output))
         return false;
     showPhase("writing");

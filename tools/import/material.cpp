@@ -97,9 +97,15 @@ Surface surfaceOf(const aiMaterial& material, const Format& format)
     Surface surface;
     surface.name = material.GetName().C_Str();
     surface.colour = Colour(GREY, GREY, GREY);
+    surface.ambient = AMBIENT;
+    surface.diffuse = 1.0 - AMBIENT;
     // What the library makes up for faces without a material tells nothing.
-    if (surface.name != AI_DEFAULT_MATERIAL_NAME && surface.name != "%%%DEFAULT")
-        colour(material, key(AI_MATKEY_COLOR_DIFFUSE), surface.colour);
+    Colour diffuse = surface.colour;
+    colour(material, key(AI_MATKEY_COLOR_DIFFUSE), diffuse);
+    if (surface.name == AI_DEFAULT_MATERIAL_NAME || surface.name == "%%%DEFAULT" ||
+        (format.whiteIsNone && surface.name.empty() && diffuse == Colour(1, 1, 1)))
+        return surface;
+    surface.colour = diffuse;
 
     float metal = 0.0f, rough = 1.0f;
     const bool hasMetal = number(material, key(AI_MATKEY_METALLIC_FACTOR), metal);
@@ -140,15 +146,34 @@ Surface surfaceOf(const aiMaterial& material, const Format& format)
     return surface;
 }
 
+/// The colour that gives glass its tint. A ray keeps the colour to the power of all the way to what is next
+/// behind the glass, so the file's own colour would be nearly black. A channel of 1 beside lesser ones would
+/// be all that is left of the far background, and glow at every rim: there none is above MOST.
+static Colour glassColour(const Surface& surface, const Colour& colour)
+{
+    constexpr float LEAST = 0.05f, MOST = 0.95f;
+    if (surface.tint <= 0.0 || std::min({colour.r, colour.g, colour.b}) >= MOST)
+        return {1, 1, 1};
+    // What lets little through may keep its own colour.
+    const double opaque = 1.0 - surface.refraction;
+    const double power = surface.tint + std::max(1.0 - surface.tint, 0.0) * opaque * opaque;
+    const auto part = [&](float c) {
+        return std::pow(std::clamp(c, LEAST, MOST), static_cast<float>(power));
+    };
+    return {part(colour.r), part(colour.g), part(colour.b)};
+}
+
 static void putPart(const char* word, double value)
 {
-    if (value > 0.0)
-        putAll("  ", word, " ", std::round(value * 1000.0) / 1000.0);
+    if (value > 0.0) {
+        putAll("  ", word, " ");
+        putRounded(value, 3);
+    }
 }
 
 void putSurface(const Surface& surface, const Colour& colour)
 {
-    putAll("\nsurface { color ", colour);
+    putAll("\nsurface { color ", surface.refraction > 0.0005 ? glassColour(surface, colour) : colour);
     putPart("ambient", surface.ambient);
     putPart("diffuse", surface.diffuse);
     if (surface.specular > 0.0005) {

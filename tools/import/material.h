@@ -12,6 +12,7 @@ struct Surface {
     double specular = 0.0, roughness = 0.0;
     double reflection = 0.0, blur = 0.0; // blur above 0 is a fuzzy mirror
     double refraction = 0.0;
+    double tint = 0.0; // of glass: how much of its colour a unit of length has, as an exponent; 0 is clear
 };
 
 /// From linear light to what a screen is told, by the curve of sRGB.

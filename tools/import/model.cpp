@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 constexpr double LEAST_EDGE = 0.01; // ten times the tolerance of the language
 
@@ -53,7 +54,17 @@ static std::string metadata(const aiScene& scene, const char* key)
     return known ? value.C_Str() : "";
 }
 
-static Format formatOf(const Assimp::Importer& importer, const aiScene& scene)
+/// The start of the file, from which the library does not tell all. False, with errno, if it cannot be read.
+static bool readStart(const char* path, std::string& start)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path, "rb"), fclose);
+    char bytes[80];
+    const size_t n = file != nullptr ? fread(bytes, 1, sizeof bytes, file.get()) : 0;
+    start.assign(bytes, n);
+    return file != nullptr && ferror(file.get()) == 0;
+}
+
+static Format formatOf(const Assimp::Importer& importer, const aiScene& scene, const std::string& start)
 {
     const aiImporterDesc* description =
         importer.GetImporterInfo(static_cast<size_t>(importer.GetPropertyInteger("importerIndex", 0)));
@@ -62,15 +73,18 @@ static Format formatOf(const Assimp::Importer& importer, const aiScene& scene)
 
     Format format;
     format.hasNormals = !isOneOf(kind, {"3ds", "stl"});
+    format.whiteIsNone = kind == "ply";
     // The library's own exporter writes the numbers that it has, whatever the format means by them.
     const bool copied =
         metadata(scene, AI_METADATA_SOURCE_GENERATOR).find("Asset Import Library") != std::string::npos ||
-        strcmp(scene.mRootNode->mName.C_Str(), "AssimpScene") == 0;
+        (kind == "stl" && start.find("AssimpScene") != std::string::npos);
     const bool gltf = isOneOf(kind, {"gltf", "glb"});
     format.linearColours = gltf && !copied;
     format.coneFactor = gltf ? 2.0 : 1.0;
+    format.nodeCameras = gltf;
     format.lenses = kind == "3ds";
-    format.tintedPictures = gltf;
+    format.tintedPictures = gltf || kind == "obj";
+    format.tintedColours = gltf;
     // Printers and drawings have z up.
     if (isOneOf(kind, {"stl", "3mf", "dxf"}) && !copied)
         format.up = AXIS_Z;
@@ -125,14 +139,14 @@ static void listInstances(Model& model)
 
 // ---- the place ----
 
-/// Counts the faces, and finds their box and the mean of their edges in the frame that the instances have.
+/// Counts the faces, and finds their box and a mean of their edges in the frame that the instances have.
 static void measure(Model& model)
 {
     model.triangles = 0;
     std::fill_n(model.dropped, FACE_KINDS, size_t{0});
     model.low = Vec(INFINITY, INFINITY, INFINITY);
     model.high = -model.low;
-    double edges = 0.0;
+    double squares = 0.0;
     for (const Instance& instance : model.instances) {
         for (unsigned f = 0; f < instance.mesh->mNumFaces; ++f) {
             Vec corners[3];
@@ -145,11 +159,11 @@ static void measure(Model& model)
             for (int k = 0; k < 3; ++k) {
                 model.low = least(model.low, corners[k]);
                 model.high = most(model.high, corners[k]);
-                edges += (corners[(k + 1) % 3] - corners[k]).Length();
             }
+            squares += (corners[1] - corners[0]).SquareLength();
         }
     }
-    model.meanEdge = edges / (3.0 * static_cast<double>(model.triangles));
+    model.meanEdge = std::sqrt(squares / static_cast<double>(model.triangles));
 }
 
 /// Turns the axis that points up in the file to z. The front of a y-up model, which is +z, comes to -y, where
@@ -262,10 +276,9 @@ static void warnOfFaces(const Options& options, const Model& model)
 
 bool readModel(const Options& options, Model& model)
 {
-    FILE* file = fopen(options.input, "rb"); // the library's own words do not tell why
-    if (file == nullptr)
+    std::string start;
+    if (!readStart(options.input, start)) // the library's own words do not tell why
         return refuse("%s", strerror(errno));
-    fclose(file);
 
     showPhase("reading");
     model.importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
@@ -276,7 +289,7 @@ bool readModel(const Options& options, Model& model)
         return refuse("it holds no model");
 
     showPhase("placing");
-    model.format = formatOf(model.importer, *model.scene);
+    model.format = formatOf(model.importer, *model.scene, start);
     applySkins(*model.scene);
     listInstances(model);
     placeInScene(options, model);

@@ -24,10 +24,14 @@ struct Instance {
 struct Format {
     Axis up = AXIS_Y;           // the library turns most formats that know an up so that it is y
     bool hasNormals = true;     // false: what the library gives for them is made up from the faces
+    bool whiteIsNone = false;   // a white material without a name is none
     bool linearColours = false; // colours are light, not what a screen is told
     double coneFactor = 1.0;    // the angles of spots, as the library has them, times this are those across
+    bool nodeCameras =
+        false; // the library gives a camera the place of its node twice, and a product for its angle
     bool lenses = false; // cameras have a lens in millimetres where the library says angle, and stand upright
-    bool tintedPictures = false; // pictures and vertex colours are multiplied with the material's colour
+    bool tintedPictures = false; // pictures are multiplied with the material's colour
+    bool tintedColours = false;  // so are colours at the vertices
 };
 
 enum FaceKind {

@@ -9,7 +9,7 @@
 // steps.
 constexpr size_t HUB = 256;
 
-static Facet facetOf(const aiMesh& mesh, const aiFace& face)
+static aiVector3D facetOf(const aiMesh& mesh, const aiFace& face)
 {
     if (face.mNumIndices != 3)
         return {};
@@ -19,12 +19,20 @@ static Facet facetOf(const aiMesh& mesh, const aiFace& face)
             return {};
         corners[k] = widen(mesh.mVertices[face.mIndices[k]]);
     }
-    const Vec cross = (corners[1] - corners[0]) ^ (corners[2] - corners[0]);
-    if (!isFinite(cross))
+    const Vec n = unit((corners[1] - corners[0]) ^ (corners[2] - corners[0]));
+    if (!isFinite(n))
         return {};
-    const Vec n = unit(cross);
-    return {aiVector3D(static_cast<float>(n.x), static_cast<float>(n.y), static_cast<float>(n.z)),
-            static_cast<float>(cross.Length() / 2.0)};
+    return {static_cast<float>(n.x), static_cast<float>(n.y), static_cast<float>(n.z)};
+}
+
+/// The angle of a face at its corner `k`.
+static float angleAt(const aiMesh& mesh, const aiFace& face, unsigned k)
+{
+    const aiVector3D& here = mesh.mVertices[face.mIndices[k]];
+    const aiVector3D a = mesh.mVertices[face.mIndices[(k + 1) % 3]] - here;
+    const aiVector3D b = mesh.mVertices[face.mIndices[(k + 2) % 3]] - here;
+    const float cosine = a * b / std::sqrt(a.SquareLength() * b.SquareLength());
+    return std::acos(std::clamp(cosine, -1.0f, 1.0f));
 }
 
 // ---- points ----
@@ -90,35 +98,37 @@ void makeGroup(SmoothGroup& group, double degrees, const std::vector<const aiMes
         for (size_t m = 0; m < meshes.size(); ++m)
             for (unsigned f = 0; f < meshes[m]->mNumFaces; ++f) {
                 const unsigned facet = parts[m]->firstFacet + f;
-                if (group.facets[facet].area > 0.0f)
-                    for (int k = 0; k < 3; ++k)
-                        act(parts[m]->points[meshes[m]->mFaces[f].mIndices[k]], facet);
+                const aiFace& face = meshes[m]->mFaces[f];
+                if (group.facets[facet].SquareLength() > 0.0f)
+                    for (unsigned k = 0; k < 3; ++k)
+                        act(parts[m]->points[face.mIndices[k]], facet, *meshes[m], face, k);
             }
     };
-    eachCorner([&](unsigned point, unsigned) { ++group.first[point]; });
+    eachCorner([&](unsigned point, auto&&...) { ++group.first[point]; });
     unsigned sum = 0;
     for (unsigned& first : group.first)
         first = sum += first;
-    group.meeting.resize(sum);
-    eachCorner([&](unsigned point, unsigned facet) { group.meeting[--group.first[point]] = facet; });
+    group.meetings.resize(sum);
+    eachCorner([&](unsigned point, unsigned facet, const aiMesh& mesh, const aiFace& face, unsigned k) {
+        group.meetings[--group.first[point]] = {facet, angleAt(mesh, face, k)};
+    });
 }
 
 Vec smoothNormal(const MeshPart& part, const aiFace& faceRecord, unsigned face, int k)
 {
     const SmoothGroup& group = *part.group;
-    const Vec own = widen(group.facets[part.firstFacet + face].normal);
+    const Vec own = widen(group.facets[part.firstFacet + face]);
     const unsigned point = part.points[faceRecord.mIndices[k]];
     const size_t begin = group.first[point], end = group.first[point + 1];
-    Vec sum = own * 1e-9; // counts only where nothing else does
+    Vec sum;
     for (size_t i = begin; i < end; i += (end - begin) / HUB + 1) {
-        const Facet& other = group.facets[group.meeting[i]];
-        const Vec normal = widen(other.normal);
-        const double cosine = own * normal;
+        const Vec other = widen(group.facets[group.meetings[i].facet]);
+        const double cosine = own * other, angle = static_cast<double>(group.meetings[i].angle);
         // In many a file some faces run the other way round; they lie against their neighbours all the same.
         if (cosine >= group.cosine)
-            sum += normal * static_cast<double>(other.area);
+            sum += other * angle;
         else if (-cosine >= std::max(group.cosine, 0.5))
-            sum -= normal * static_cast<double>(other.area);
+            sum -= other * angle;
     }
-    return sum;
+    return sum.SquareLength() > 0.0 ? sum : own;
 }

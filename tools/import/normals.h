@@ -6,18 +6,18 @@
 
 #include <vector>
 
-/// A face as its neighbours see it; both in the frame of the mesh.
-struct Facet {
-    aiVector3D normal; // unit, or zero for a face without area
-    float area;
+/// A corner of a face that lies at a point.
+struct Meeting {
+    unsigned facet;
+    float angle; // between the edges of the face there, in radians
 };
 
 /// The faces of meshes that are smoothed as one, and which of them meet at each point.
 struct SmoothGroup {
-    double cosine; // of the largest angle that is smoothed
-    std::vector<Facet> facets;
-    std::vector<unsigned> first; // of each point its place in `meeting`; one more at the end
-    std::vector<unsigned> meeting;
+    double cosine;                  // of the largest angle that is smoothed
+    std::vector<aiVector3D> facets; // the normal of each face, in the frame of its mesh; zero without area
+    std::vector<unsigned> first;    // of each point its place in `meetings`; one more at the end
+    std::vector<Meeting> meetings;
 };
 
 /// The part of one mesh in its group.
@@ -32,5 +32,5 @@ void makeGroup(SmoothGroup& group, double degrees, const std::vector<const aiMes
                const std::vector<MeshPart*>& parts);
 
 /// The normal at corner `k` of face `face`, in the frame of the mesh: the mean of the faces that meet there
-/// at no more than the angle of the group, each with the weight of its area. Any length.
+/// at no more than the angle of the group, each with the weight of its own angle there. Any length.
 Vec smoothNormal(const MeshPart& part, const aiFace& faceRecord, unsigned face, int k);

@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,8 +21,6 @@ static constinit const char* wanted = nullptr; // null: standard output
 static std::string temporary;                  // empty: written to directly
 static constinit char buffer[1 << 16] = {};
 static constinit size_t filled = 0;
-
-constexpr size_t LONGEST_NUMBER = 32;
 
 static bool fail(int error)
 {
@@ -121,29 +121,73 @@ void put(size_t number)
     put(std::string_view(std::to_string(number)));
 }
 
-void put(const Vec& v)
+char* formatRounded(char* out, double number, int decimals)
 {
-    put("<");
-    put(v.x);
-    put(" ");
-    put(v.y);
-    put(" ");
-    put(v.z);
-    put(">");
+    constexpr double MOST = 9e15; // what a double holds to the last digit
+    static constexpr double POWERS[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const double scaled = std::fabs(number) * POWERS[decimals] + 0.5;
+    if (!(scaled < MOST))
+        return std::to_chars(out, out + LONGEST_NUMBER, static_cast<float>(number)).ptr;
+    if (scaled < 1.0) {
+        *out++ = '0';
+        return out;
+    }
+    if (number < 0.0)
+        *out++ = '-';
+    char digits[LONGEST_NUMBER];
+    long count = std::to_chars(digits, digits + sizeof digits, static_cast<int64_t>(scaled)).ptr - digits;
+    const long whole = count - decimals; // digits ahead of the point; below 0, zeros behind it
+    while (count > std::max(whole, 1L) && digits[count - 1] == '0')
+        --count;
+    if (whole <= 0)
+        *out++ = '0';
+    for (long i = std::min(whole, 0L); i < count; ++i) {
+        if (i == whole)
+            *out++ = '.';
+        *out++ = i < 0 ? '0' : digits[i];
+    }
+    return out;
 }
 
-static double thousandths(float part)
+void putRounded(double number, int decimals)
 {
-    return std::round(std::fmin(std::fmax(static_cast<double>(part), 0.0), 1.0) * 1000.0) / 1000.0;
+    char text[LONGEST_NUMBER];
+    put(std::string_view(text, formatRounded(text, number, decimals)));
+}
+
+constinit int pointDecimals = 6;
+
+void setExtent(double extent)
+{
+    pointDecimals = std::clamp(6 - static_cast<int>(std::floor(std::log10(extent))), 0, 15);
+}
+
+char* formatVector(char* out, const Vec& v, int decimals)
+{
+    *out++ = '<';
+    out = formatRounded(out, v.x, decimals);
+    *out++ = ' ';
+    out = formatRounded(out, v.y, decimals);
+    *out++ = ' ';
+    out = formatRounded(out, v.z, decimals);
+    *out++ = '>';
+    return out;
+}
+
+void put(const Vec& v)
+{
+    char text[3 * LONGEST_NUMBER];
+    put(std::string_view(text, formatVector(text, v, pointDecimals)));
 }
 
 void put(const Colour& c)
 {
-    put(thousandths(c.r));
+    putRounded(static_cast<double>(c.r), 3);
     put(" ");
-    put(thousandths(c.g));
+    putRounded(static_cast<double>(c.g), 3);
     put(" ");
-    put(thousandths(c.b));
+    putRounded(static_cast<double>(c.b), 3);
 }
 
 void putComment(std::string_view text)

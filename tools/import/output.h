@@ -24,7 +24,20 @@ void put(size_t number);
 /// The shortest decimal that reads back as the same float.
 void put(double number);
 
-/// `<x y z>`
+/// The number rounded to that many digits behind the point, from 0 to 15, without zeros at its end.
+void putRounded(double number, int decimals);
+
+/// The same, and a vector `<x y z>` of such numbers, into `out`; their end comes back. A number takes at most
+/// LONGEST_NUMBER bytes less 2.
+constexpr size_t LONGEST_NUMBER = 32;
+char* formatRounded(char* out, double number, int decimals);
+char* formatVector(char* out, const Vec& v, int decimals);
+
+/// Digits behind the point for points, and what sets them: a millionth of `extent` or up to ten times finer.
+extern int pointDecimals;
+void setExtent(double extent);
+
+/// A point, as `<x y z>`.
 void put(const Vec& v);
 
 /// Red, green and blue without brackets, from 0 to 1, by thousandths.

@@ -97,6 +97,14 @@ static void takePieces(const Options& options, const Model& model, unsigned inde
     }
 }
 
+/// Behind glass lies the floor, or what the user's scene has; an endless way leaves only clear glass any
+/// light.
+static double glassTint(const Options& options, const Model& model)
+{
+    const Vec extent = model.high - model.low;
+    return options.floor || options.geometry ? 1.5 / std::max({extent.x, extent.y, extent.z}) : 0.0;
+}
+
 std::vector<Paint> makePaints(const Options& options, const Model& model)
 {
     std::vector<Paint> paints;
@@ -110,6 +118,7 @@ std::vector<Paint> makePaints(const Options& options, const Model& model)
         paint.end = end;
         paint.painted.resize(end - begin);
         paint.surface = surfaceOf(*model.scene->mMaterials[material], model.format);
+        paint.surface.tint = glassTint(options, model);
         const Texture texture = textureOf(options, model, *model.scene->mMaterials[material], pictures);
         for (size_t i = begin; i < end; ++i) {
             const aiMesh& mesh = *model.instances[i].mesh;
@@ -117,7 +126,10 @@ std::vector<Paint> makePaints(const Options& options, const Model& model)
             coat.atVertices = hasColours(mesh);
             if (texture.picture != nullptr && mesh.HasTextureCoords(texture.channel))
                 coat.texture = texture;
-            if (model.format.tintedPictures)
+            // A black material with a picture is one whose author left the colour to the picture.
+            const bool tinted =
+                coat.texture.picture != nullptr ? model.format.tintedPictures : model.format.tintedColours;
+            if (tinted && brightest(paint.surface.colour) > 0.0)
                 coat.tint = paint.surface.colour;
             paint.painted[i - begin] = coat.texture.picture != nullptr || coat.atVertices;
             if (paint.painted[i - begin])

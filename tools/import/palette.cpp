@@ -100,9 +100,9 @@ std::vector<Colour> quantise(std::vector<Rgb>& colours, size_t count)
 
     std::vector<Colour> palette;
     for (const Box& box : boxes) {
-        for (size_t i = box.begin; i < box.end; ++i)
-            list[i].count = static_cast<uint32_t>(palette.size()); // from now on its place
         palette.push_back(meanOf(list, box));
+        for (size_t i = box.begin; i < box.end; ++i)
+            list[i].count = static_cast<uint32_t>(palette.size() - 1); // from now on its place
     }
     std::sort(list.begin(), list.end(),
               [](const Counted& a, const Counted& b) { return a.colour < b.colour; });

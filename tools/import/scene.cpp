@@ -2,6 +2,7 @@
 
 #include "output.h"
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
 
@@ -56,6 +57,8 @@ static void putSurroundings(const Options& options, const Model& model)
 
 void putScene(const Options& options, const Model& model)
 {
+    const Vec extent = model.high - model.low;
+    setExtent(std::max({extent.x, extent.y, extent.z}));
     const std::vector<Paint> paints = makePaints(options, model);
     size_t faces = model.triangles;
     for (const Paint& paint : paints)

@@ -31,8 +31,8 @@ static double halfWidth(const Camera& camera)
     return std::tan(camera.fov * PI / 360.0);
 }
 
-/// Where the corners of the box lie in the picture, from -1 to 1 across and up; false if one is not ahead.
-static bool boxInPicture(const Camera& camera, const Vec& low, const Vec& high, double across[2],
+/// Where the corners of the box lie in the picture, from -1 to 1 across and up; all of it is ahead.
+static void boxInPicture(const Camera& camera, const Vec& low, const Vec& high, double across[2],
                          double up[2])
 {
     const Axes axes = axesOf(camera);
@@ -43,42 +43,39 @@ static bool boxInPicture(const Camera& camera, const Vec& low, const Vec& high, 
         const Vec corner((i & 1) ? high.x : low.x, (i & 2) ? high.y : low.y, (i & 4) ? high.z : low.z);
         const Vec to = corner - camera.position;
         const double depth = to * axes.ahead;
-        if (!(depth > 0.0))
-            return false;
         const double x = to * axes.right / (depth * width), y = to * axes.up / (depth * height);
         across[0] = std::min(across[0], x);
         across[1] = std::max(across[1], x);
         up[0] = std::min(up[0], y);
         up[1] = std::max(up[1], y);
     }
-    return true;
 }
 
 static Camera frame(const Model& model, View view)
 {
     const double round = VIEWS[view].round * PI / 180.0, rise = VIEWS[view].up * PI / 180.0;
     const Vec from(std::sin(round) * std::cos(rise), -std::cos(round) * std::cos(rise), std::sin(rise));
-    const double radius = (model.high - model.low).Length() / 2.0;
 
     Camera camera;
     camera.name = std::string("view ") + VIEWS[view].name;
     camera.up = view == VIEW_TOP ? Vec(0, 1, 0) : Vec(0, 0, 1);
     camera.lookAt = (model.low + model.high) * 0.5;
-    // Out of the ball around the box all of it is ahead. Each step brings the box's picture nearer to the
-    // middle and to its size, and the error shrinks many times over.
-    double distance = 2.0 * radius / halfWidth(camera);
-    for (int step = 0; step < 20; ++step) {
-        camera.position = camera.lookAt + from * distance;
+    // Each step brings the box's picture nearer to the middle and to its size, by the distance to the side
+    // that is nearest, which counts most; the error shrinks many times over.
+    const Vec extent = model.high - model.low;
+    const double half =
+        (std::fabs(from.x) * extent.x + std::fabs(from.y) * extent.y + std::fabs(from.z) * extent.z) / 2.0;
+    double nearest = 2.0 * extent.Length() / halfWidth(camera);
+    for (int step = 0; step < 60; ++step) {
+        camera.position = camera.lookAt + from * (half + nearest);
         double across[2], up[2];
         boxInPicture(camera, model.low, model.high, across, up);
         const Axes axes = axesOf(camera);
-        const double width = halfWidth(camera) * distance, height = width * HEIGHT / WIDTH;
+        const double width = halfWidth(camera) * nearest, height = width * HEIGHT / WIDTH;
         camera.lookAt +=
             axes.right * ((across[0] + across[1]) / 2.0 * width) + axes.up * ((up[0] + up[1]) / 2.0 * height);
-        const double filled = std::max(across[1] - across[0], up[1] - up[0]) / 2.0;
-        distance = std::max(distance * filled / FILL, radius * 1.2);
+        nearest *= std::max(across[1] - across[0], up[1] - up[0]) / 2.0 / FILL;
     }
-    camera.position = camera.lookAt + from * distance;
     return camera;
 }
 
@@ -91,11 +88,18 @@ static Camera cameraOf(const Model& model, unsigned index)
     if (const aiNode* node = model.scene->mRootNode->FindNode(record.mName))
         m = m * placeOf(node);
     camera.name = std::string("camera ") + std::to_string(index) + " of the file: " + record.mName.C_Str();
-    camera.position = m * widen(record.mPosition);
+    camera.position = m * (model.format.nodeCameras ? Vec() : widen(record.mPosition));
     const Vec ahead = unit(turned(m, widen(record.mLookAt)));
     camera.lookAt = camera.position + ahead * ((model.high - model.low).Length());
     camera.up = unit(turned(m, widen(record.mUp)));
     camera.fov = static_cast<double>(record.mHorizontalFOV) * 180.0 / PI;
+    if (model.format.nodeCameras) {
+        // The file has the angle down the height; the picture shows at least what that of the author would.
+        constexpr double SHAPE = static_cast<double>(WIDTH) / HEIGHT;
+        const double aspect = record.mAspect > 0.0f ? static_cast<double>(record.mAspect) : 1.0;
+        const double down = static_cast<double>(record.mHorizontalFOV) / aspect;
+        camera.fov = 2.0 * std::atan(std::tan(down / 2.0) * std::max(aspect, SHAPE)) * 180.0 / PI;
+    }
     if (model.format.lenses) {
         camera.fov = 2.0 * std::atan(FILM / 2.0 / camera.fov) * 180.0 / PI;
         camera.up = Vec(0, 0, 1);
