@@ -42,6 +42,21 @@ class Jumps(InFolder):
                                cwd=self.folder, env=self.environment, check=False, timeout=60)
                 self.assertEqual((self.folder / "landed").read_text(), f"{name}\n{line}\n")
 
+    def test_vim_file_types(self) -> None:
+        vim = shutil.which("vim")
+        if vim is None:
+            self.skipTest("vim is not installed")
+        for name, text, landed in (("a.vlo", "", "varlo\n; %s\n"),
+                                   ("a.set", '{ input_name "a.3ds" }', "varlo\n; %s\n"),
+                                   ("b.set", "set of another program", "\n/*%s*/\n")):
+            with self.subTest(name=name, text=text):
+                self.write(name, text)
+                subprocess.run([vim, "-Nu", "NONE", "-es", "-c", f"set rtp^={ROOT}/editors/vim",
+                                "-c", "filetype plugin on", "-c", f"edit {name}",
+                                "-c", "call writefile([&filetype, &commentstring], 'landed')", "-c", "qa!"],
+                               cwd=self.folder, env=self.environment, check=False, timeout=60)
+                self.assertEqual((self.folder / "landed").read_text(), landed)
+
     def test_visual_studio_code(self) -> None:
         matcher = json.loads((ROOT / "editors/vscode/package.json").read_text())["contributes"]["problemMatchers"][0]
         task = json.loads((ROOT / "editors/vscode/tasks.json").read_text())["tasks"][0]

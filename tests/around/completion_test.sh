@@ -66,5 +66,14 @@ scene.vlo'
 expect 'varlo --thread ' '2
 4
 8'
-expect 'varlo -3ds m' 'model.set'
+expect 'varlo -3ds ' 'folder
+model.set'
+expect 'varlo -3ds n' 'notes.txt'
+expect 'varlo -r ' '1280
+1920
+320
+3840
+640
+800'
+expect 'varlo -r 1920 10' '1080'
 exit $status
