@@ -9,8 +9,6 @@
 #include "engine/light.h"
 #include "engine/ray.h"
 #include "scene/colors.h"
-#include "scene/current.h"
-#include "scene/lexer.h"
 #include "scene/parser.h"
 
 #include <algorithm>
@@ -188,24 +186,11 @@ int LLVMFuzzerInitialize(int*, char***)
 // ---- one run ----
 
 /// Gives every global that a scene changes its start value. The lists are not freed: their memory was.
-static void resetScene()
-{
-    setStartValues();
-    iPQSize = 1024; // too few entries would end the process for good
-    myColorList = nullptr;
-    surface = {};
-    comptligne = 1;
-    type_motcle = 0;
-    mot_cle = val_INT = 0;
-    val_DBL = 0.0;
-    chaine[0] = strTemp[0] = '\0';
-    vect_tmp = {};
-    rvb_tmp = {};
-}
-
 void runWith(std::span<const File> files, void (*body)())
 {
+    myColorList = nullptr; // its entries went with the last run
     resetScene();
+    iPQSize = 1024; // too few entries would end the process for good
     present = files;
     // The length of an input, which is free of meaning, tells if memory ends, and when.
     size_t length = 0;

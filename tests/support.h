@@ -21,16 +21,6 @@
 #include <unistd.h>
 #include <vector>
 
-/// Gives every global that a scene or the command line changes its start value.
-inline void resetScene()
-{
-    freeList(&myLightList);
-    freeColorList(&myColorList);
-    setStartValues();
-    surface = {};
-    comptligne = 1;
-}
-
 struct SceneTest : testing::Test {
     SceneTest()
     {

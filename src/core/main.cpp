@@ -27,7 +27,7 @@ int main(int argc, char* argv[])
 {
     openStandardStreams();
     std::set_new_handler([] { fatal(OUT_OF_MEMORY); });
-    setStartValues();
+    resetScene();
     showCredits();
     if (argc < 2) {
         showUsage();

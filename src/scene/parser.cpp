@@ -1,5 +1,6 @@
 #include "scene/parser.h"
 
+#include "core/settings.h"
 #include "scene/colors.h"
 #include "scene/current.h"
 #include "scene/keywords.h"
@@ -18,6 +19,14 @@
 // Blocks read, for the test of completeness.
 static constinit std::int16_t c = 0, s = 0, su = 0, l = 0;
 static constinit std::int16_t uncounted = 0;
+
+void resetScene()
+{
+    setStartValues();
+    freeColorList(&myColorList);
+    surface = {};
+    comptligne = 1;
+}
 
 static void yy_declare(FILE* stream)
 {
