@@ -2,6 +2,7 @@
 
 import os
 import re
+import select
 import shutil
 import signal
 import subprocess
@@ -106,11 +107,12 @@ def find_binary(hint: str | None = None) -> Path:
 
 
 def run(arguments: Sequence[str], *, cwd: Path | None = None, binary: Path | None = None,
-        progress: Progress | None = None) -> Completed:
+        progress: Progress | None = None, idle: Callable[[], None] | None = None) -> Completed:
     """Runs the program in the folder `cwd` and waits for its end, whatever its status is.
 
-    `progress` is called with what share of the picture is done, from 0 to 1. The program is in a process group of
-    its own: Ctrl+C, SIGTERM and any exception, also one of `progress`, end it at once and come out of here.
+    `progress` is called with what share of the picture is done, from 0 to 1, and `idle` ten times a second while the
+    program says nothing. The program is in a process group of its own: Ctrl+C, SIGTERM and any exception, also one of
+    these two, end it at once and come out of here.
     """
     start = time.monotonic()
     command = [str(binary or find_binary()), *arguments]
@@ -123,7 +125,7 @@ def run(arguments: Sequence[str], *, cwd: Path | None = None, binary: Path | Non
         except OSError as error:
             raise VarloError(f"cannot run {command[0]} in {cwd or '.'}: {error.strerror}") from error
         try:
-            output = listen(process, progress)
+            output = listen(process, progress, idle)
             status = process.wait()
         finally:
             if process.poll() is None:
@@ -138,13 +140,19 @@ def run(arguments: Sequence[str], *, cwd: Path | None = None, binary: Path | Non
     return Completed(tuple(arguments), status, text, time.monotonic() - start)
 
 
-def listen(process: subprocess.Popen[bytes], progress: Progress | None) -> bytearray:
+def listen(process: subprocess.Popen[bytes], progress: Progress | None,
+           idle: Callable[[], None] | None = None) -> bytearray:
     """Reads the output up to its end, takes the marks of the bar out and tells `progress` of them."""
     assert process.stdout is not None
     output = bytearray()
     bar = -1  # where the bar begins
     marks = total = 0
-    while chunk := os.read(process.stdout.fileno(), 65536):
+    while True:
+        while idle is not None and not select.select([process.stdout], [], [], 0.1)[0]:
+            idle()
+        chunk = os.read(process.stdout.fileno(), 65536)
+        if not chunk:
+            return output
         output += chunk
         if bar < 0 and (head := re.search(rb"Resolution: +\d+ x (\d+)\n\n 0%-+100%\n ", output)):
             bar = head.end()
@@ -155,7 +163,6 @@ def listen(process: subprocess.Popen[bytes], progress: Progress | None) -> bytea
             marks += new
             if progress is not None:
                 progress(min(marks / total, 1.0))
-    return output
 
 
 @contextmanager
