@@ -1,0 +1,101 @@
+"""What the tests share: a clean scene, the add-on in it, what it writes, and who covers which pixel."""
+
+import os
+import re
+import sys
+import tempfile
+from pathlib import Path
+
+import bpy
+import numpy
+
+FOLDER = Path(tempfile.mkdtemp(prefix="varlo-blender-"))
+tempfile.tempdir = str(FOLDER)  # what the add-on leaves behind is found here
+
+
+def install(archive: str) -> None:
+    """Puts the add-on into Blender as a user does, from its zip."""
+    bpy.ops.preferences.addon_install(filepath=archive, overwrite=True)
+    bpy.ops.preferences.addon_enable(module="render_varlo")
+
+
+def fresh(width: int = 160, height: int = 120) -> bpy.types.Scene:
+    """An empty scene for varlo, with a camera that looks from the front along y."""
+    bpy.ops.wm.read_homefile(use_empty=True, use_factory_startup=True)
+    bpy.ops.preferences.addon_enable(module="render_varlo")
+    scene = bpy.context.scene
+    scene.render.engine = "VARLO"
+    scene.render.resolution_x, scene.render.resolution_y, scene.render.resolution_percentage = width, height, 100
+    scene.view_settings.view_transform = "Standard"
+    scene.world = bpy.data.worlds.new("world")
+    bpy.ops.object.camera_add(location=(0.3, -9, 1.1), rotation=(1.5, 0.1, 0))
+    scene.camera = bpy.context.object
+    return scene
+
+
+def written() -> str:
+    """The scene as the export writes it."""
+    path = FOLDER / "written.vlo"
+    bpy.ops.export_scene.varlo(filepath=str(path))
+    return path.read_text()
+
+
+def statement(word: str, text: str | None = None) -> str:
+    """The last statement of this kind in the scene."""
+    return re.findall(rf"^{word} .*$", written() if text is None else text, re.MULTILINE)[-1]
+
+
+def number(word: str, text: str) -> float:
+    return float(re.search(rf"\b{word} (\S+)", text)[1])
+
+
+def numbers(word: str, text: str) -> list[float]:
+    return [float(each) for each in re.search(rf"\b{word} <?([-\d.e+]+ [-\d.e+]+ [-\d.e+]+)", text)[1].split()]
+
+
+def rendered() -> numpy.ndarray:
+    """Renders as F12 does. Rows from the bottom, each pixel red, green, blue and alpha."""
+    scene = bpy.context.scene
+    scene.render.filepath = str(FOLDER / "picture.png")
+    scene.render.image_settings.file_format = "PNG"
+    scene.render.image_settings.color_mode = "RGBA"
+    bpy.ops.render.render(write_still=True)
+    image = bpy.data.images.load(scene.render.filepath)
+    pixels = numpy.array(image.pixels[:]).reshape(image.size[1], image.size[0], -1)
+    bpy.data.images.remove(image)
+    return pixels
+
+
+def covered_by_varlo() -> numpy.ndarray:
+    """The pixels whose middle meets an object: all that is lit by the world alone, before a world of another colour."""
+    scene = bpy.context.scene
+    scene.render.engine = "VARLO"
+    scene.varlo.antialiasing = "none"
+    scene.world.color = (1, 1, 1)
+    return rendered()[..., :3].min(axis=2) < 0.98
+
+
+def covered_by_cycles() -> numpy.ndarray:
+    scene = bpy.context.scene
+    scene.render.engine = "CYCLES"
+    scene.cycles.samples, scene.cycles.use_denoising = 1, False
+    scene.cycles.pixel_filter_type, scene.cycles.filter_width = "GAUSSIAN", 0.01
+    scene.render.film_transparent = True
+    return rendered()[..., 3] > 0.5
+
+
+def grown(mask: numpy.ndarray) -> numpy.ndarray:
+    """The mask and all pixels beside it."""
+    wide = numpy.pad(mask, 1)
+    rows, columns = mask.shape
+    return numpy.logical_or.reduce([wide[y:y + rows, x:x + columns] for y in range(3) for x in range(3)])
+
+
+def children() -> list[int]:
+    """The processes that this one runs."""
+    return [int(pid) for pid in Path(f"/proc/self/task/{os.getpid()}/children").read_text().split()]
+
+
+def archive_argument() -> str:
+    """The zip that stands behind `--` on the command line, and leaves it for the test runner."""
+    return os.path.abspath(sys.argv[sys.argv.index("--") + 1])

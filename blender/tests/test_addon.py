@@ -1,0 +1,357 @@
+"""Runs in Blender: blender -b --factory-startup -P blender/tests/test_addon.py -- ADDON.zip"""
+
+import math
+import os
+import signal
+import sys
+import threading
+import time
+import unittest
+from pathlib import Path
+
+import bpy
+import numpy
+
+sys.path.insert(0, str(Path(__file__).parent))
+from support import (FOLDER, archive_argument, children, covered_by_cycles, covered_by_varlo, fresh,  # noqa: E402
+                     grown, install, number, numbers, rendered, statement, written)
+
+
+def add(kind: str, **words: object) -> bpy.types.Object:
+    getattr(bpy.ops.mesh, f"primitive_{kind}_add")(**words)
+    return bpy.context.object
+
+
+def curve() -> None:
+    bpy.ops.curve.primitive_bezier_circle_add(radius=1.5)
+    bpy.context.object.data.bevel_depth = 0.3
+
+
+def text() -> None:
+    bpy.ops.object.text_add(location=(-1.5, 0, 0), rotation=(1.5, 0, 0))
+    bpy.context.object.data.extrude = 0.1
+
+
+def modified() -> None:
+    item = add("cube", size=1)
+    item.modifiers.new("rows", "ARRAY").count = 3
+    item.modifiers.new("round", "SUBSURF").render_levels = 2
+    item.scale = (1, -0.4, 1.5)  # mirrored
+
+
+def collection() -> None:
+    own = bpy.data.collections.new("own")
+    own.objects.link(add("cone", location=(0.5, 0, 0)))
+    for turn in (0.4, 2.5):
+        bpy.ops.object.collection_instance_add(collection="own", rotation=(0, turn, 0))
+
+
+def dupli() -> None:
+    parent, child = add("ico_sphere", subdivisions=1, radius=2), add("cube", size=0.5)
+    child.parent = parent
+    parent.instance_type = "VERTS"
+
+
+def metaballs() -> None:
+    for x in (-0.8, 0.8):
+        bpy.ops.object.metaball_add(location=(x, 0, 0))
+
+
+SHAPES = {"cube": lambda: add("cube", rotation=(0.4, 0.3, 0.2)), "monkey": lambda: add("monkey", size=4),
+          "curve": curve, "text": text, "modified": modified,
+          "collection": collection, "dupli": dupli, "metaballs": metaballs}
+
+# Words of the camera, and the size of the picture.
+EYES = {"auto": ({}, (160, 120)), "auto upright": ({}, (90, 160)),
+        "vertical": ({"sensor_fit": "VERTICAL", "sensor_height": 18}, (160, 90)),
+        "horizontal": ({"sensor_fit": "HORIZONTAL", "lens": 35}, (100, 140)),
+        "degrees": ({"angle": 0.9}, (160, 100))}
+
+
+class Silhouettes(unittest.TestCase):
+    """Whatever covers a pixel in Blender's own picture covers it in varlo's, up to a pixel at the edge."""
+
+    def same(self) -> None:
+        own, theirs = covered_by_varlo(), covered_by_cycles()
+        self.assertTrue(50 < theirs.sum() < 0.8 * theirs.size, theirs.sum())
+        self.assertFalse((own & ~grown(theirs)).any(), "varlo's is larger")
+        self.assertFalse((theirs & ~grown(own)).any(), "varlo's is smaller")
+
+    def test_whatever_turns_into_a_mesh(self) -> None:
+        for name, make in SHAPES.items():
+            with self.subTest(name):
+                fresh()
+                make()
+                self.same()
+
+    def test_cameras(self) -> None:
+        for name, (words, size) in EYES.items():
+            with self.subTest(name):
+                scene = fresh(*size)
+                for word, value in words.items():
+                    setattr(scene.camera.data, word, value)
+                add("monkey", size=2.5)
+                self.same()
+
+
+class Geometry(unittest.TestCase):
+    def test_counts_and_shading(self) -> None:
+        fresh()
+        ball = add("uv_sphere", segments=16, ring_count=8)
+        self.assertEqual((written().count("\ntriangle {"), written().count("\npatch {")), (16 * 14, 0))
+        bpy.ops.object.shade_smooth()
+        self.assertEqual((written().count("\ntriangle {"), written().count("\npatch {")), (0, 16 * 14))
+        ball.data.use_auto_smooth = True
+        ball.data.auto_smooth_angle = 0.01  # each edge is sharp now
+        self.assertEqual((written().count("\ntriangle {"), written().count("\npatch {")), (16 * 14, 0))
+
+    def test_hidden_things_stay_out(self) -> None:
+        fresh()
+        add("cube").hide_render = True
+        self.assertNotIn("triangle", written())
+
+    def test_materials_of_single_faces(self) -> None:
+        fresh()
+        cube = add("cube")
+        for color in ((1, 0, 0, 1), (0, 1, 0, 1)):
+            material = bpy.data.materials.new("paint")
+            material.diffuse_color = color
+            cube.data.materials.append(material)
+        cube.data.polygons[3].material_index = 1
+        red, green = written().split("surface {")[1:]
+        self.assertEqual((red.count("\ntriangle"), green.count("\ntriangle")), (10, 2))
+        self.assertEqual((numbers("color", red), numbers("color", green)), ([1, 0, 0], [0, 1, 0]))
+
+    def test_exact_shapes(self) -> None:
+        for kind, scale in (("sphere", (2, 2, 2)), ("cylinder", (1, 1, 3)), ("cone", (1, 1, 2)), ("disc", (3, 3, 1)),
+                            ("plane", (1, 1, 1))):
+            with self.subTest(kind):
+                scene = fresh()
+                scene.varlo.scale = 10
+                bpy.ops.object.empty_add(location=(1, 0, 0), scale=scale)
+                bpy.context.object.scale = scale
+                bpy.context.object["varlo"] = kind
+                text = statement(kind)
+                if kind == "sphere":
+                    self.assertEqual((numbers("center", text), number("radius", text)), ([10, 0, 0], 20))
+
+    def test_a_million_triangles(self) -> None:
+        fresh()
+        add("grid", x_subdivisions=708, y_subdivisions=708)
+        bpy.ops.object.shade_smooth()
+        bpy.context.view_layer.update()
+        start = time.process_time()
+        bpy.ops.export_scene.varlo(filepath=str(FOLDER / "large.vlo"))
+        rate = 2 * 708 * 708 / (time.process_time() - start)
+        print(f"{rate:.0f} triangles a second")
+        self.assertGreater(rate, 200_000)
+
+
+class Eyes(unittest.TestCase):
+    def test_lens(self) -> None:
+        scene = fresh()
+        scene.varlo.scale = 10
+        dof = scene.camera.data.dof
+        dof.use_dof, dof.focus_distance, dof.aperture_fstop = True, 4, 2
+        text = statement("camera")
+        radius = 10 * 0.05 / (2 * 2)
+        self.assertAlmostEqual((2 * number("aperture", text)) ** 2, math.pi * radius ** 2, 6)
+        self.assertAlmostEqual(number("focal_length", text), 40, 4)
+        dof.focus_object = add("cube", location=(0.3, -3, 1.1))
+        self.assertAlmostEqual(number("focal_length", statement("camera")), 60 * math.sin(1.5), 3)
+
+    def test_fisheye(self) -> None:
+        scene = fresh()
+        scene.camera.data.type = "PANO"
+        scene.camera.data.cycles.panorama_type = "FISHEYE_EQUIDISTANT"
+        scene.camera.data.cycles.fisheye_fov = 2
+        text = statement("camera")
+        self.assertIn('projection_type "fisheye"', text)
+        self.assertAlmostEqual(number("fov", text), math.degrees(2), 4)
+
+    def test_what_varlo_has_not_is_refused(self) -> None:
+        for words, message in (({"shift_x": 0.1}, "shift"), ({"type": "ORTHO"}, "orthographic")):
+            scene = fresh()
+            for word, value in words.items():
+                setattr(scene.camera.data, word, value)
+            with self.assertRaisesRegex(RuntimeError, message):
+                written()
+            with self.assertRaisesRegex(RuntimeError, message):
+                rendered()
+
+
+class Lights(unittest.TestCase):
+    def light(self, kind: str, power: float, **words: object) -> str:
+        bpy.ops.object.light_add(type=kind, location=(0, 0, 4))
+        for word, value in {"energy": power, **words}.items():
+            setattr(bpy.context.object.data, word, value)
+        return statement("light")
+
+    def setUp(self) -> None:
+        self.scene = fresh()
+        add("plane", size=8)
+        self.scene.varlo.scale = 10
+
+    def test_kinds(self) -> None:
+        for kind, words, expected in (
+                ("POINT", {"shadow_soft_size": 0.5}, {"radius": 5}),
+                ("SPOT", {"spot_size": 1.0, "spot_blend": 0.25},
+                 {"max_angle": math.degrees(1), "min_angle": 0.75 * math.degrees(1)}),
+                ("AREA", {"size": 2}, {"radius": 10, "max_angle": 180}),
+                ("SUN", {"angle": 0}, {})):
+            with self.subTest(kind):
+                text = self.light(kind, 10, **words)
+                for word, value in expected.items():
+                    self.assertAlmostEqual(number(word, text), value, 4)
+                self.assertEqual("smooth" in text, kind != "SUN")
+                self.assertIn('attenuation_type "none"', text)
+
+    def test_the_brightest_gives_full_light_and_exposure_counts(self) -> None:
+        weak = self.light("POINT", 20)
+        self.scene.varlo.exposure = 1
+        brighter = statement("light")
+        self.assertGreater(numbers("color", brighter)[0], 1.2 * numbers("color", weak)[0])
+        self.light("POINT", 1e6)
+        colors = [numbers("color", line)[0] for line in written().splitlines() if line.startswith("light")]
+        self.assertAlmostEqual(max(colors), 1, 6)
+
+    def test_light_falls_where_it_does_in_blender(self) -> None:
+        """A lamp of each kind to the left: the mean of each half of the picture is near that of Blender's own."""
+        for kind, energy in (("POINT", 400), ("SPOT", 400), ("AREA", 200), ("SUN", 2)):
+            with self.subTest(kind):
+                scene = fresh(60, 40)
+                add("plane", size=30, location=(0, 3, -1))
+                scene.world.color = (0, 0, 0)
+                bpy.ops.object.light_add(type=kind, location=(-2, 0, 3), rotation=(0, -0.6, 0))
+                bpy.context.object.data.energy = energy
+                own = rendered()[:18, :, :3]
+                scene.render.engine = "CYCLES"
+                scene.cycles.samples, scene.cycles.use_denoising, scene.cycles.max_bounces = 16, False, 0
+                theirs = rendered()[:18, :, :3]
+                for half in (slice(0, 30), slice(30, 60)):
+                    self.assertAlmostEqual(own[:, half].mean(), theirs[:, half].mean(), delta=0.2)
+
+    def test_world_and_mist(self) -> None:
+        self.scene.world.color = (0.5, 0.5, 0.5)
+        self.scene.world.mist_settings.use_mist = True
+        self.scene.world.mist_settings.start, self.scene.world.mist_settings.depth = 5, 25
+        text = statement("settings")
+        self.assertAlmostEqual(numbers("background", text)[0], 0.735, 2)
+        self.assertAlmostEqual((1 - number("haze_factor", text)) ** 300, 0.05, 6)
+
+
+class Materials(unittest.TestCase):
+    def surface(self, node: str, links: int = 1, **values: object) -> str:
+        fresh()
+        add("cube")
+        material = bpy.data.materials.new("paint")
+        material.use_nodes = True
+        nodes = material.node_tree.nodes
+        nodes.remove(nodes["Principled BSDF"])
+        shader = nodes.new(f"ShaderNode{node}")
+        for name, value in values.items():
+            shader.inputs[name.replace("_", " ")].default_value = value
+        material.node_tree.links.new(shader.outputs[0], nodes["Material Output"].inputs["Surface"])
+        bpy.context.object.data.materials.append(material)
+        return statement("surface")
+
+    def test_shaders(self) -> None:
+        grey = (0.2140, 0.2140, 0.2140, 1)  # half of what the screen can do
+        for node, values, expected in (
+                ("BsdfDiffuse", {"Color": grey}, {"color": 0.5, "diffuse": 1, "specular": None, "reflection": None}),
+                ("BsdfPrincipled", {"Base_Color": grey, "Roughness": 0.5}, {"diffuse": 1, "roughness": 30}),
+                ("BsdfPrincipled", {"Metallic": 1.0, "Roughness": 0.0}, {"reflection": 0.7, "diffuse": 0.4}),
+                ("BsdfGlossy", {"Roughness": 0.3}, {"reflection": 0.7, "reflection_radius": 0}),
+                ("BsdfGlass", {"IOR": 1.33}, {"refraction": 1, "refraction_index": 1.33, "diffuse": None}),
+                ("BsdfPrincipled", {"Transmission": 0.5, "IOR": 1.5}, {"refraction": 0.5, "diffuse": 0.5}),
+                ("BsdfPrincipled", {"Alpha": 0.25}, {"refraction": 0.75}),
+                ("Emission", {"Color": grey, "Strength": 1.0}, {"color": 0.5, "ambient": 1, "diffuse": None})):
+            with self.subTest(node, **values):
+                text = self.surface(node, **values)
+                for word, value in expected.items():
+                    if value is None:
+                        self.assertNotIn(f" {word} ", text)
+                    elif word == "color":
+                        self.assertAlmostEqual(numbers(word, text)[0], value, 3)
+                    elif value:
+                        self.assertAlmostEqual(number(word, text), value, 4)
+                    else:
+                        self.assertGreater(number(word, text), 0)
+
+    def test_a_picture_becomes_its_mean(self) -> None:
+        self.surface("BsdfPrincipled")
+        tree = bpy.data.materials["paint"].node_tree
+        image = bpy.data.images.new("half", 4, 4)
+        pixels = numpy.ones((16, 4))
+        pixels[:8, :3] = 0
+        image.pixels = pixels.ravel()
+        node = tree.nodes.new("ShaderNodeTexImage")
+        node.image = image
+        tree.links.new(node.outputs[0], tree.nodes[-2].inputs["Base Color"])
+        # The mean of the shares on the screen: that is what the eye takes from a fine pattern of them here.
+        self.assertAlmostEqual(numbers("color", statement("surface"))[1], 0.5, 2)
+
+
+class Engine(unittest.TestCase):
+    def test_pictures_of_an_animation(self) -> None:
+        scene = fresh(64, 48)
+        cube = add("cube")
+        cube.keyframe_insert("location", frame=1)
+        cube.location.x = 2
+        cube.keyframe_insert("location", frame=2)
+        scene.frame_end = 2
+        scene.varlo.folder = str(FOLDER / "kept")
+        scene.render.filepath = str(FOLDER / "film")
+        bpy.ops.render.render(animation=True)
+        names = sorted(path.name for path in (FOLDER / "kept").iterdir())
+        self.assertEqual(names, [f"frame000{at}.{kind}" for at in (1, 2) for kind in ("png", "vlo")])
+        first, second = ((FOLDER / f"film000{at}.png").read_bytes() for at in (1, 2))
+        self.assertNotEqual(first, second)
+
+    def test_esc_ends_it_and_leaves_nothing(self) -> None:
+        scene = fresh(1920, 1080)
+        add("monkey")
+        bpy.ops.object.light_add(type="POINT", location=(3, -5, 4))
+        scene.varlo.light_samples = 1024
+        running: list[int] = []
+
+        def press_esc() -> None:
+            while not running:
+                time.sleep(0.05)
+                running.extend(pid for pid in children() if Path(f"/proc/{pid}/comm").read_text() == "varlo\n")
+            os.kill(os.getpid(), signal.SIGINT)  # what Esc is to a Blender without a window
+
+        threading.Thread(target=press_esc).start()
+        start = time.monotonic()
+        bpy.ops.render.render()
+        self.assertLess(time.monotonic() - start, 30)
+        self.assertTrue(running)
+        time.sleep(0.3)
+        self.assertFalse(set(running) & set(children()))
+        self.assertEqual(list(FOLDER.glob("varlo-*")), [])
+
+    def test_a_fault_of_the_program_is_told(self) -> None:
+        scene = fresh()
+        add("cube")
+        scene.varlo.binary = "/nowhere/varlo"
+        with self.assertRaisesRegex(RuntimeError, "/nowhere/varlo"):
+            rendered()
+
+    def test_remarks_come_once(self) -> None:
+        fresh()
+        for _ in range(3):
+            bpy.ops.object.volume_add()
+        from render_varlo.export import export
+        from render_varlo.notes import Notes
+        notes = Notes()
+        export(bpy.context.evaluated_depsgraph_get(), (8, 8), notes)
+        self.assertEqual([line for line in notes.lines() if "volume" in line],
+                         ["varlo: volume objects are left out (Volume, Volume.001, Volume.002)"])
+
+
+if __name__ == "__main__":
+    install(archive_argument())
+    outcome = unittest.main(argv=[sys.argv[0], *sys.argv[sys.argv.index("--") + 2:]], exit=False, verbosity=2).result
+    print(f"{outcome.testsRun - len(outcome.failures) - len(outcome.errors)} passed, "
+          f"{len(outcome.failures) + len(outcome.errors)} failed", flush=True)
+    sys.exit(0 if outcome.wasSuccessful() else 1)
