@@ -1,10 +1,10 @@
-// Builds the static pages: the playground, the gallery, and "edit and render" beside the scenes of the manual.
+// Builds the static pages: the playground, and "edit and render" beside the scenes of the manual and its gallery.
 //
 // Usage: node build.mjs VARLO PAGES
 //
 // VARLO renders the small pictures of the scenes. PAGES is the folder of the site; the manual is in PAGES/manual.
 import { execFileSync } from "node:child_process";
-import { cpSync, existsSync, mkdirSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import { appendFileSync, cpSync, existsSync, mkdirSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { join, resolve } from "node:path";
 import { fileURLToPath } from "node:url";
 import * as esbuild from "esbuild";
@@ -69,110 +69,99 @@ function renderSmall(folder, id, files) {
   return `scenes/${id}.jpg`;
 }
 
-/** The tables of the gallery: under each title its scenes, with the idea and the words that each shows. */
+/** The tables of the gallery: under each title its scenes, with the idea of each. */
 function galleryGroups() {
-  const folder = join(pages, "scenes/gallery");
   const sections = readFileSync(join(root, "gallery/README.md"), "utf8").split(/^## /m).slice(1);
   const groups = sections.map((section) => ({
     title: section.slice(0, section.indexOf("\n")),
-    scenes: [...section.matchAll(/^\| \[\w+\]\(\.\.\/examples\/([\w.]+)\) \| (.*?) \| (.*?) \|$/gm)].map(
-      ([, file, idea, shows]) => ({ file, idea, shows }),
+    scenes: [...section.matchAll(/^\| \[\w+\]\(\.\.\/examples\/([\w.]+)\) \| (.*?) \|/gm)].map(
+      ([, file, idea]) => ({ file, idea }),
     ),
   }));
-  const listed = new Set(groups.flatMap(({ scenes }) => scenes.map(({ file }) => file)));
-  const others = readdirSync(folder).filter((file) => /\.(vlo|set)$/.test(file) && !listed.has(file));
-  const models = others.map((file) => ({ file, idea: firstComment(folder, file), shows: "" }));
-  return [...groups, { title: "Models", scenes: models }].filter(({ scenes }) => scenes.length > 0);
+  return groups.filter(({ scenes }) => scenes.length > 0);
 }
-
-/** The first sentence of the comment at a scene's head. */
-const firstComment = (folder, file) =>
-  /^; *(.*?)[.:](?:\s|$)/.exec(readFileSync(join(folder, file), "utf8"))?.[1] ?? stemOf(file);
 
 /** The manual's scenes, each with what its picture shows. */
 function manualGroup() {
-  const texts = readdirSync(join(root, "docs")).filter((file) => file.endsWith(".md"))
-    .map((file) => readFileSync(join(root, "docs", file), "utf8")).join("\n");
+  const names = readdirSync(join(root, "docs"));
+  const texts = names.filter((file) => file.endsWith(".md")).map((file) => readFileSync(join(root, "docs", file), "utf8"));
   const scenes = readdirSync(join(root, "docs/scenes")).filter((file) => /\.(vlo|set)$/.test(file)).map((file) => {
-    const shown = new RegExp(`!\\[([^\\]]*)\\]\\(pictures/${stemOf(file)}\\.|pictures/${stemOf(file)}_.*?alt="(.*?)"`);
-    const [, alt, large] = shown.exec(texts) ?? [];
-    return { file, idea: alt ?? large ?? stemOf(file), shows: "" };
+    const shown = new RegExp(`!\\[([^\\]]*)\\]\\(pictures/${stemOf(file)}\\.`);
+    return { file, idea: shown.exec(texts.join("\n"))?.[1] ?? "" };
   });
   return { title: "Manual", scenes };
 }
 
+/** Writes the index of the scenes, with their files and small pictures. Returns it. */
 function indexScenes() {
   gatherScenes("examples", "gallery");
   gatherScenes("docs/scenes", "manual");
   const complete = (name) => ({ title, scenes }) => ({
     title,
-    scenes: scenes.map(({ file, idea, shows }) => {
+    scenes: scenes.map(({ file, idea }) => {
       const folder = join(pages, "scenes", name);
       const id = `${name}/${stemOf(file)}`;
       const files = Object.keys(readScene(folder, file));
-      return { id, name: stemOf(file), idea, shows, files, picture: renderSmall(folder, id, files) };
+      return { id, name: stemOf(file), idea, files, picture: renderSmall(folder, id, files) };
     }),
   });
-  const gallery = galleryGroups().map(complete("gallery"));
-  const manual = complete("manual")(manualGroup());
-  const index = [...gallery, manual].map((group) => ({
-    ...group, scenes: group.scenes.map(({ shows, ...scene }) => scene),
-  }));
+  const index = [...galleryGroups().map(complete("gallery")), complete("manual")(manualGroup())];
   writeFileSync(join(pages, "scenes/index.json"), JSON.stringify(index));
-  return { gallery, manual };
+  return index;
 }
 
-// ---- the pages around ----
-
-const escaped = (text) => text.replace(/&/g, "&amp;").replace(/</g, "&lt;").replace(/>/g, "&gt;");
-const withCode = (text) => escaped(text).replace(/`([^`]*)`/g, "<code>$1</code>");
-
-const galleryItem = ({ id, name, idea, shows, picture }) => `<li><a href="./#${id}"><img src="${picture}" loading="lazy"
-  alt=""> edit and render <b>${name}</b></a> <p>${withCode(idea)}</p> <p class="shows">${withCode(shows)}</p></li>`;
-
-function writeGallery(groups) {
-  const sections = groups.map(({ title, scenes }) =>
-    `<section><h2>${escaped(title)}</h2><ul>${scenes.map(galleryItem).join("\n")}</ul></section>`);
-  const template = readFileSync(join(page, "gallery.html"), "utf8");
-  writeFileSync(join(pages, "gallery.html"), template.replace("<!-- scenes -->", () => sections.join("\n")));
-}
+// ---- the manual ----
 
 /** A block of a page as it was before it became HTML. */
 const unescaped = (html) =>
   html.replace(/<[^>]*>/g, "").replace(/&lt;/g, "<").replace(/&gt;/g, ">").replace(/&quot;/g, '"').replace(/&amp;/g, "&");
 
-/** Puts "edit and render" behind each picture of the manual that a scene made, and behind what stands in a scene. */
-function linkManual(scenes) {
-  const sources = scenes.map(({ id, name, files }) => {
+// What shows a scene: a picture or a block of text, which say of which file they are; one of several pictures of a
+// scene, NAME_variant; another block of the language, which may be part of a scene; an entry of the gallery.
+const SHOWN = new RegExp(
+  [
+    '<img[^>]*data-scene="(?<picture>[^"]+)"[^>]*>',
+    '<img[^>]*src="pictures/(?<variant>[a-z]+)_\\w+\\.[^>]*>',
+    '<div class="sourceCode"(?<block>[^>]*)><pre[^>]*\\bvlo\\b[^>]*><code[^>]*>(?<text>[^]*?)</code></pre></div>',
+    '<a href="scene-(?<entry>\\w+)\\.html">[^]*?</a>(?=</li>)',
+  ].join("|"),
+  "g",
+);
+
+/** Puts "edit and render" behind what shows a scene, and the playground into the navigation. */
+function linkManual(index) {
+  const ids = new Set(index.flatMap(({ scenes }) => scenes.map(({ id }) => id)));
+  const parts = index.at(-1).scenes.map(({ id, files }) => {
     const texts = files.filter((file) => !file.endsWith(".3ds"));
-    return { id, name, text: texts.map((file) => readFileSync(join(pages, "scenes/manual", file), "utf8")).join("\n") };
+    return { id, text: texts.map((file) => readFileSync(join(pages, "scenes/manual", file), "utf8")).join("\n") };
   });
-  const ofPicture = (name) =>
-    sources.find((scene) => scene.name === name) ?? sources.find((scene) => scene.name === name.replace(/_[^_]*$/, ""));
-  const ofText = (text) => sources.find((scene) => scene.text.includes(text));
+  const idOfFile = (path) => stemOf(path.replace(/^scenes\//, "manual/").replace(/^examples\//, "gallery/"));
+  const idOf = ({ picture, variant, block, text, entry }) => {
+    if (variant) return `manual/${variant}`;
+    const path = picture ?? (entry && `examples/${entry}.`) ?? /data-scene="([^"]+)"/.exec(block)?.[1];
+    return path ? idOfFile(path) : parts.find((scene) => scene.text.includes(unescaped(text).trim()))?.id;
+  };
 
   const linked = new Set();
-  const shown = /<img[^>]*src="pictures\/(?<picture>\w+)\.\w+"[^>]*>|<pre[^>]*\bvlo\b[^>]*><code[^>]*>(?<text>[^]*?)<\/code><\/pre>/g;
   const folder = join(pages, "manual");
   for (const file of readdirSync(folder).filter((name) => name.endsWith(".html"))) {
     let last;
-    const html = readFileSync(join(folder, file), "utf8").replace(/ ?<a class="try"[^>]*>[^<]*<\/a>/g, "");
-    const withLinks = html.replace(shown, (found, ...rest) => {
-      const { picture, text } = rest.at(-1);
-      const scene = picture ? ofPicture(picture) : ofText(unescaped(text).trim());
-      if (!scene || scene.id === last) return found;
-      linked.add((last = scene.id));
-      return `${found} <a class="try" href="../index.html#${scene.id}">edit and render</a>`;
-    });
-    writeFileSync(join(folder, file), withLinks);
+    const html = readFileSync(join(folder, file), "utf8")
+      .replace(/(<nav aria-label="Manual">\s*<ul>)/, '$1\n<li><a href="../index.html">Playground</a></li>')
+      .replace(SHOWN, (found, ...rest) => {
+        const id = idOf(rest.at(-1));
+        if (!ids.has(id) || id === last) return found;
+        linked.add((last = id));
+        return `${found} <a class="try" href="../index.html#${id}">edit and render</a>`;
+      });
+    writeFileSync(join(folder, file), html);
   }
-  const without = sources.filter(({ id }) => !linked.has(id));
-  if (without.length > 0) throw new Error(`no page of the manual shows ${without.map(({ id }) => id).join(", ")}`);
+  const without = [...ids].filter((id) => !linked.has(id));
+  if (without.length > 0) throw new Error(`no page of the manual shows ${without.join(", ")}`);
+  appendFileSync(join(folder, "style.css"), "a.try { color: var(--link); font-size: .85rem; text-decoration: underline; white-space: nowrap; }\n");
 }
 
 mkdirSync(pages, { recursive: true });
 await buildPlayground();
-const { gallery, manual } = indexScenes();
-writeGallery(gallery);
-linkManual(manual.scenes);
+linkManual(indexScenes());
 console.log(`The pages are in ${pages}/index.html`);
