@@ -8,7 +8,7 @@ foreach(library IN ITEMS png jpg tiff)
 endforeach()
 set(VARLO_PLATFORM_SOURCES ${platform}/pictures.cpp)
 
-add_compile_options(-msimd128)
+add_compile_options(-msimd128 -include ${platform}/library.h)
 # One instance of the module is one run of the program, in a worker; the page says when and with which files.
 add_link_options(
     -sMODULARIZE=1 -sEXPORT_NAME=createVarlo -sINVOKE_RUN=0 -sEXIT_RUNTIME=1
