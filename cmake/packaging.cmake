@@ -5,14 +5,21 @@ set(python_dir lib/python3/dist-packages) # below /usr, where Debian's Python lo
 set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/varlo) # of all three, so that the links of README.md lead somewhere
 set(VARLO_MANUAL "" CACHE PATH "The manual as `docs/make` made it; without it only its Markdown is installed")
 
-install(FILES man/varlo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES man/varlo.1 man/varlo-thumbnailer.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES man/varlo.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
 install(FILES completions/varlo.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME varlo)
 install(FILES completions/_varlo DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 install(FILES completions/varlo.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
+
+# ---- the desktop: the type of scenes, with its icon and small pictures, and what a software centre shows ----
+
 install(FILES packaging/varlo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+install(FILES packaging/varlo.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(FILES packaging/org.example.varlo.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+install(FILES packaging/varlo.thumbnailer DESTINATION ${CMAKE_INSTALL_DATADIR}/thumbnailers)
+install(PROGRAMS packaging/varlo-thumbnailer DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # ---- the tools around it ----
 
