@@ -1,5 +1,6 @@
 """Meshes: their normals, what the program's rule for them leaves, and the same text with NumPy and without."""
 
+import contextlib
 import functools
 import io
 import math
@@ -35,7 +36,9 @@ def patches(mesh: varlo.Mesh) -> list[tuple[list[Vec], list[Vec]]]:
 
 
 def without_numpy(make: Any) -> Any:
-    with mock.patch.multiple("varlo.meshes", numpy=lambda: None), mock.patch("varlo.mesh.numpy", lambda: None):
+    with contextlib.ExitStack() as stack:
+        for module in ("balls", "many", "mesh", "meshes"):
+            stack.enter_context(mock.patch(f"varlo.{module}.numpy", lambda: None))
         return make()
 
 
@@ -90,6 +93,24 @@ class Meshes(unittest.TestCase):
         self.assertEqual({tuple(corner)[:2] for corners, _ in found for corner in corners},
                          {point[:2] for point in points})
 
+    def test_spheres(self) -> None:
+        places, radii = [(1, 2, 3), (4, 5.5, 6)], [1, 0.25]
+        shades = varlo.shades("sea", 2)
+        cases: list[tuple[dict[str, Any], list[int]]] = [({}, [0, 1]), ({"surfaces": shades, "which": [1, 0]}, [1, 0])]
+        for options, order in cases:
+            def make(options: dict[str, Any] = options) -> str:
+                many = varlo.scale(2)(varlo.spheres(places, radii, **options))
+                return "".join(text for _, text, _ in many.parts())
+            for found in (make(), without_numpy(make)):
+                single = [varlo.scale(2)(varlo.sphere(center=places[at], radius=radii[at])).text() for at in order]
+                self.assertEqual(found.splitlines(), single)
+        self.assertEqual(len(varlo.spheres(places, 1)), 2)
+        faulty: list[Any] = [[1, 0], [1], [1, 2, 3]]
+        for radius in faulty:
+            self.assertRaisesRegex(varlo.SceneError, "radius", varlo.spheres, places, radius)
+        with self.assertRaisesRegex(varlo.SceneError, "unevenly"):
+            varlo.scale(1, 1, 2)(varlo.spheres(places, 1))
+
     def test_faults(self) -> None:
         cases: list[tuple[Any, dict[str, Any], str]] = [
             (([(0, 0)] * 3, [(0, 1, 2)]), {}, "vertices"),
@@ -99,7 +120,7 @@ class Meshes(unittest.TestCase):
             ((CUBE, [(0, 1)]), {}, "three corners"),
             ((CUBE, [(0, 1, 2.5)]), {}, "whole numbers"),
             ((CUBE, QUADS), {"normals": [(0, 0, 1)] * 7}, "normals"),
-            ((CUBE, QUADS), {"surfaces": [varlo.surface()], "which": [0] * 5}, "for each of 6 faces"),
+            ((CUBE, QUADS), {"surfaces": [varlo.surface()], "which": [0] * 5}, "for each of 6"),
             ((CUBE, QUADS), {"surfaces": [varlo.surface()], "which": [0] * 5 + [1]}, "which = 1"),
         ]
         for arguments, options, said in cases:

@@ -1,9 +1,7 @@
 """Scenes rendered: the picture, whose line a fault is, and what is left when a run is stopped."""
 
-import contextlib
 import importlib
 import importlib.util
-import io
 import os
 import signal
 import subprocess
@@ -113,14 +111,6 @@ class Rendering(unittest.TestCase):
         self.assertLess(time.monotonic() - start, 5)
         self.assertEqual(os.listdir(temporary), [])
         self.assertEqual(os.listdir(), ["tmp"])
-
-    def test_percents_on_a_terminal(self) -> None:
-        class Terminal(io.StringIO):
-            def isatty(self) -> bool:
-                return True
-        with contextlib.redirect_stderr(Terminal()) as shown:
-            self.scene.render("a.png", width=8, height=100)
-        self.assertRegex(shown.getvalue(), r"^(\r +\d+% )*\r 100% \r +\r$")
 
     @unittest.skipUnless(importlib.util.find_spec("nbconvert") and importlib.util.find_spec("ipykernel"),
                          "nbconvert is not installed")

@@ -1,5 +1,6 @@
 """varlo, the ray tracer, from Python: scenes made by programs, and the tools around the program."""
 
+from .balls import Spheres, spheres
 from .colors import colormap, gradient, mix, rgb, shades
 from .lettering import text
 from .materials import material
@@ -22,9 +23,9 @@ from .writer import Group, group
 
 __version__ = "0.1.0"
 __all__ = [
-    "Fault", "Group", "Mesh", "Picture", "Scene", "SceneError", "Statement", "Transform", "VarloError", "Vec", "box",
-    "camera", "colormap", "cone", "cylinder", "declare", "disc", "gradient", "grid_faces", "group", "height_field",
-    "include", "lathe", "light", "look_at", "material", "mesh", "mix", "move", "patch", "plane", "polygon", "revolve",
-    "rgb", "ring", "scale", "scatter", "settings", "shades", "sphere", "surface", "text", "triangle", "true_ratio",
-    "tube", "turn",
+    "Fault", "Group", "Mesh", "Picture", "Scene", "SceneError", "Spheres", "Statement", "Transform", "VarloError",
+    "Vec", "box", "camera", "colormap", "cone", "cylinder", "declare", "disc", "gradient", "grid_faces", "group",
+    "height_field", "include", "lathe", "light", "look_at", "material", "mesh", "mix", "move", "patch", "plane",
+    "polygon", "revolve", "rgb", "ring", "scale", "scatter", "settings", "shades", "sphere", "spheres", "surface",
+    "text", "triangle", "true_ratio", "tube", "turn",
 ]

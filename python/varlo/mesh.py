@@ -2,20 +2,19 @@
 
 from __future__ import annotations
 
-from collections.abc import Iterable, Iterator, Sequence
+from collections.abc import Sequence
 from itertools import chain
 from typing import TYPE_CHECKING, Any
 
-from . import normals, values
+from . import normals
 from .arrays import numpy
+from .many import Many, rows
 from .shading import surface
 from .vector import Vec
 
 if TYPE_CHECKING:
     from .transform import Transform
 
-# Faces that are made text at once.
-BLOCK = 16384
 # A normal is written in whole parts of its length, which are half as long as decimals and made twice as fast.
 PARTS = 100_000
 _VERTEX = "vertex <%.9g %.9g %.9g>"
@@ -23,7 +22,7 @@ _NORMAL = "normal <%d %d %d>"
 _FORMS = {False: "triangle { %s %s %s }\n", True: "patch { %s %s %s %s %s %s }\n"}
 
 
-class Mesh:
+class Mesh(Many):
     """Triangles that share their corners, with or without normals; the function `mesh` checks and makes one.
 
     `vertices` has a row of three for each vertex, `faces` three whole numbers for each face, counted from 0, and
@@ -31,15 +30,13 @@ class Mesh:
     installed and lists where it is not.
     """
 
-    __slots__ = ("place", "vertices", "faces", "normals", "surfaces", "which")
+    __slots__ = ("vertices", "faces", "normals")
 
     def __init__(self, vertices: Any, faces: Any, corner_normals: Any, surfaces: Sequence[surface], which: Any) -> None:
-        self.place = values.caller()
+        super().__init__(surfaces, which)
         self.vertices = vertices
         self.faces = faces
         self.normals = corner_normals
-        self.surfaces = list(surfaces)
-        self.which = which  # the number of its surface, for each face
 
     def __len__(self) -> int:
         return len(self.faces)
@@ -61,45 +58,24 @@ class Mesh:
             if bent is not None:
                 axes = [transform.normal(axis) for axis in ((1, 0, 0), (0, 1, 0), (0, 0, 1))]
                 bent = (bent[:, ::-1] if turned else bent) @ np.array(axes)
-        other = Mesh(vertices, faces, bent, self.surfaces, self.which)
-        other.place = self.place
-        return other
+        return self.like(Mesh(vertices, faces, bent, self.surfaces, self.which))
 
-    def parts(self) -> Iterator[tuple[surface | None, str, int]]:
-        """The text of the mesh, block by block: each with its surface, if it has one, and its number of lines."""
-        np = numpy()
-        if not self.surfaces:
-            groups: Iterable[tuple[surface | None, Any]] = [(None, None)]
-        elif np is None:
-            groups = [(chosen, [at for at, one in enumerate(self.which) if one == number])
-                      for number, chosen in enumerate(self.surfaces)]
-        else:
-            order = np.argsort(self.which, kind="stable")
-            bounds = np.searchsorted(self.which[order], np.arange(len(self.surfaces) + 1))
-            groups = ((chosen, order[bounds[number]:bounds[number + 1]])
-                      for number, chosen in enumerate(self.surfaces))
-        for chosen, rows in groups:
-            for first in range(0, len(self.faces) if rows is None else len(rows), BLOCK):
-                block: Any = slice(first, first + BLOCK) if rows is None else rows[first:first + BLOCK]
-                lines, text = self._array_text(block) if np is not None else self._text(block)
-                yield chosen, text, lines
-
-    def _text(self, block: Any) -> tuple[int, str]:
-        rows = range(len(self.faces))[block] if isinstance(block, slice) else block
-        faces = [self.faces[row] for row in rows]
+    def text(self, block: Any) -> tuple[int, str]:
+        chosen = range(len(self.faces))[block] if isinstance(block, slice) else block
+        faces = [self.faces[row] for row in chosen]
         corners = [[_VERTEX % self.vertices[corner] for corner in face] for face in faces]
         if self.normals is not None:
-            bent = normals.fit(self.vertices, faces, [self.normals[row] for row in rows])
+            bent = normals.fit(self.vertices, faces, [self.normals[row] for row in chosen])
             corners = [list(chain.from_iterable(zip(of_face, (_NORMAL % _parts(normal) for normal in turned))))
                        for of_face, turned in zip(corners, bent, strict=True)]
         form = _FORMS[self.normals is not None]
         return len(faces), "".join(form % tuple(of_face) for of_face in corners)
 
-    def _array_text(self, block: Any) -> tuple[int, str]:
+    def array_text(self, block: Any) -> tuple[int, str]:
         np = numpy()
         faces = self.faces[block]
         used, where = np.unique(faces, return_inverse=True)
-        vertices = _rows(_VERTEX, self.vertices[used])
+        vertices = rows(_VERTEX, self.vertices[used])
         words = list(map(vertices.__getitem__, where.ravel().tolist()))
         if self.normals is None:
             return len(faces), _FORMS[False] * len(faces) % tuple(words)
@@ -109,15 +85,11 @@ class Mesh:
         packed = whole[..., 0] << 40 | whole[..., 1] << 20 | whole[..., 2]
         keys, which = np.unique(packed.ravel(), return_inverse=True)
         part = (1 << 20) - 1
-        texts = _rows(_NORMAL, np.stack([keys >> 40, keys >> 20 & part, keys & part], axis=1) - PARTS)
+        texts = rows(_NORMAL, np.stack([keys >> 40, keys >> 20 & part, keys & part], axis=1) - PARTS)
         both: list[str] = [""] * (2 * len(words))
         both[0::2] = words
         both[1::2] = map(texts.__getitem__, which.ravel().tolist())
         return len(faces), _FORMS[True] * len(faces) % tuple(both)
-
-
-def _rows(form: str, array: Any) -> list[str]:
-    return ((form + "\n") * len(array) % tuple(array.ravel().tolist())).split("\n")
 
 
 def _parts(normal: Vec) -> tuple[int, int, int]:

@@ -33,9 +33,9 @@ def mesh(
 
     Raises `SceneError` for numbers that are not finite, for corners that are not there, and for rows that are missing.
     """
-    points = _points("vertices", vertices)
+    points = points_of("mesh", "vertices", vertices)
     triangles, source = _triangles(faces)
-    _check_range("faces", triangles, len(points))
+    _check_range("mesh", "faces", triangles, len(points))
     if not 0 <= smooth <= 180:
         raise SceneError("mesh", "smooth", smooth, "an angle from 0 to 180 degrees")
     corners: Any = None
@@ -43,13 +43,14 @@ def mesh(
         corners = _given(normals, triangles, len(points))
     elif smooth > 0:
         corners = (by_angle.smooth if numpy() is None else by_angle.smooth_array)(points, triangles, smooth)
-    return Mesh(points, triangles, corners, surfaces, _numbers(which, surfaces, source) if surfaces else None)
+    return Mesh(points, triangles, corners, surfaces, numbers_of("mesh", which, surfaces, source) if surfaces else None)
 
 
-def _points(argument: str, rows: Iterable[Any]) -> Any:
+def points_of(statement: str, argument: str, rows: Iterable[Any]) -> Any:
+    """Checks points: an array with three columns, or without NumPy a list of vectors."""
     np = numpy()
     if np is None:
-        return [values.vector("mesh", f"{argument}[{at}]", row) for at, row in enumerate(rows)]
+        return [values.vector(statement, f"{argument}[{at}]", row) for at, row in enumerate(rows)]
     try:
         array = np.asarray(rows if isinstance(rows, np.ndarray) else list(rows), dtype=float)
     except (TypeError, ValueError):
@@ -57,10 +58,10 @@ def _points(argument: str, rows: Iterable[Any]) -> Any:
     if array.size == 0:
         return array.reshape(0, 3)
     if array.ndim != 2 or array.shape[1] != 3:
-        raise SceneError("mesh", argument, rows, "three decimals, x, y and z, for each")
+        raise SceneError(statement, argument, rows, "three decimals, x, y and z, for each")
     if not np.isfinite(array).all():
         row = int(np.argmin(np.isfinite(array).all(axis=1)))
-        raise SceneError("mesh", f"{argument}[{row}]", array[row].tolist(), "a vector is three decimals, x, y and z")
+        raise SceneError(statement, f"{argument}[{row}]", array[row].tolist(), "a vector is three decimals, x, y and z")
     return array
 
 
@@ -89,14 +90,14 @@ def _triangles(faces: Iterable[Iterable[SupportsIndex]]) -> tuple[Any, Any]:
     return np.array(triangles, dtype=np.int64).reshape(-1, 3), np.array(source, dtype=np.int64)
 
 
-def _check_range(argument: str, rows: Any, limit: int) -> None:
+def _check_range(statement: str, argument: str, rows: Any, limit: int) -> None:
     if not len(rows):
         return
     least: int = min(map(min, rows)) if isinstance(rows, list) else int(rows.min())
     most: int = max(map(max, rows)) if isinstance(rows, list) else int(rows.max())
     if least < 0 or most >= limit:
         wrong = least if least < 0 else most
-        raise SceneError("mesh", argument, wrong, f"the number of one of {limit}, from 0")
+        raise SceneError(statement, argument, wrong, f"the number of one of {limit}, from 0")
 
 
 def _given(normals: Iterable[Any], triangles: Any, vertices: int) -> Any:
@@ -108,7 +109,7 @@ def _given(normals: Iterable[Any], triangles: Any, vertices: int) -> Any:
         flat = np.asarray(rows, dtype=float).reshape(-1, 3)
     elif len(rows) and np is None and not isinstance(next(iter(rows[0])), (int, float)):
         flat = [normal for corners in rows for normal in corners]
-    checked = _points("normals", flat)
+    checked = points_of("mesh", "normals", flat)
     if flat is rows and len(checked) == vertices:
         if np is None:
             return [(checked[a], checked[b], checked[c]) for a, b, c in triangles]
@@ -118,12 +119,12 @@ def _given(normals: Iterable[Any], triangles: Any, vertices: int) -> Any:
     raise SceneError("mesh", "normals", normals, "one for each vertex, or three for each face, all of them triangles")
 
 
-def _numbers(which: Iterable[SupportsIndex] | None, surfaces: Sequence[surface], source: Any) -> Any:
-    """The number of its surface for each triangle, from those of the faces."""
+def numbers_of(statement: str, which: Iterable[SupportsIndex] | None, surfaces: Sequence[surface], source: Any) -> Any:
+    """The number of its surface for each object, from those of the faces that the objects come from."""
     np = numpy()
     numbers = [] if which is None else [int(number) for number in which]
     faces = int(source[-1]) + 1 if len(source) else 0
     if len(numbers) != faces:
-        raise SceneError("mesh", "which", which, f"the number of a surface for each of {faces} faces")
-    _check_range("which", [(number,) for number in numbers], len(surfaces))
-    return [numbers[face] for face in source] if np is None else np.array(numbers, dtype=np.int64)[source]
+        raise SceneError(statement, "which", which, f"the number of a surface for each of {faces}")
+    _check_range(statement, "which", [(number,) for number in numbers], len(surfaces))
+    return [numbers[face] for face in source] if np is None else np.array(numbers, dtype=np.int64)[np.asarray(source)]

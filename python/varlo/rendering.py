@@ -10,7 +10,9 @@ from collections.abc import Callable, Iterator
 from contextlib import contextmanager, suppress
 from pathlib import Path
 
+from .bar import Bar
 from .picture import Picture
+from .render import threads as usual_threads
 from .run import Completed, Fault, find_binary, run
 from .scan import placed
 from .values import SceneError
@@ -31,7 +33,7 @@ def format_of(path: Path) -> str:
 
 
 def options(width: int | None, height: int | None, antialias: str | int | None, jitter: bool, threads: int | None,
-            queue: int | None) -> list[str]:
+            queue: int) -> list[str]:
     """The options of the program; raises `SceneError` for values that it would not take."""
     chosen: list[str] = []
     for name, option, value in (("width", "-w", width), ("height", "-h", height)):
@@ -48,17 +50,12 @@ def options(width: int | None, height: int | None, antialias: str | int | None, 
         raise SceneError("render", "antialias", antialias, rule)
     if jitter:
         chosen.append("-j")
-    if threads is None:
-        processors = len(os.sched_getaffinity(0))
-        threads = 8 if processors >= 8 else 4 if processors >= 4 else 2
-    elif threads not in (2, 4, 8):
+    if threads not in (None, 2, 4, 8):
         raise SceneError("render", "threads", threads, "2, 4 or 8 threads")
-    chosen += ["-t", str(threads)]
-    if queue is not None:
-        if queue < 100:
-            raise SceneError("render", "queue", queue, "at least 100 entries")
-        chosen += ["-pqs", str(queue)]
-    return chosen
+    chosen += ["-t", str(threads or usual_threads())]
+    if queue < 100:
+        raise SceneError("render", "queue", queue, "at least 100 entries")
+    return [*chosen, "-pqs", str(queue)]
 
 
 def render(write: Callable[[Path], Writer], path: Path, arguments: list[str], binary: str | None,
@@ -105,17 +102,12 @@ def _fault(done: Completed, writer: Writer, scene: Path) -> Fault:
 
 @contextmanager
 def shown(progress: Callable[[float], None] | None) -> Iterator[Callable[[float], None] | None]:
-    """A count of percents on standard error, where somebody looks at it: on a terminal and in a notebook."""
-    if progress is not None or not (sys.stderr.isatty() or "ipykernel" in sys.modules):
+    """The bar on a terminal, and per cents in a notebook, where nobody has asked for more."""
+    if progress is None and sys.stderr.isatty():
+        with Bar() as bar:
+            yield bar
+    elif progress is None and "ipykernel" in sys.modules:
+        yield lambda share: print(f"\r{share:5.0%}", end="", file=sys.stderr, flush=True)
+        print("\r      \r", end="", file=sys.stderr, flush=True)
+    else:
         yield progress
-        return
-
-    def report(share: float) -> None:
-        sys.stderr.write(f"\r{share:5.0%} ")
-        sys.stderr.flush()
-
-    try:
-        yield report
-    finally:
-        sys.stderr.write("\r      \r")
-        sys.stderr.flush()

@@ -7,8 +7,11 @@ import random
 from bisect import bisect
 from collections.abc import Callable
 from itertools import accumulate
+from typing import Any
 
+from .arrays import numpy
 from .mesh import Mesh
+from .normals import face_normal_array, face_normals
 from .values import SceneError
 from .vector import Vec
 
@@ -32,9 +35,11 @@ def scatter(
     """
     if spacing < 0:
         raise SceneError("scatter", "spacing", spacing, "a distance is 0 or above")
-    corners = [[Vec.of(mesh.vertices[corner]) for corner in face] for face in mesh.faces]
-    squares = [(b - a).cross(c - a) for a, b, c in corners]
-    areas = list(accumulate(abs(square) for square in squares))
+    if numpy() is None:
+        squares: Any = face_normals(mesh.vertices, mesh.faces)
+    else:
+        squares = [Vec(*square) for square in face_normal_array(mesh.vertices, mesh.faces).tolist()]
+    areas: list[float] = list(accumulate(map(abs, squares)))
     if not areas or areas[-1] == 0:
         return []
     chance = random.Random(seed)
@@ -43,11 +48,11 @@ def scatter(
     for _ in range(TRIES * count):
         if len(places) == count:
             break
-        face = min(bisect(areas, chance.random() * areas[-1]), len(corners) - 1)
+        face = min(bisect(areas, chance.random() * areas[-1]), len(areas) - 1)
         # Evenly over a triangle (G. Turk, Generating Random Points in Triangles, 1990).
         root, along = math.sqrt(chance.random()), chance.random()
         weights = (1 - root, root * (1 - along), root * along)
-        point = _mean(weights, corners[face])
+        point = _mean(weights, [Vec.of(mesh.vertices[corner]) for corner in mesh.faces[face]])
         normal = squares[face]
         if mesh.normals is not None:
             normal = _mean(weights, [Vec.of(corner) for corner in mesh.normals[face]])

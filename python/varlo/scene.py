@@ -33,6 +33,7 @@ class Scene:
     def write(self, path: str | os.PathLike[str] | TextIO) -> None:
         """Writes the scene to a file that appears when it is whole, or to an open text file.
 
+        A scene without settings gets the default ones.
         Raises `SceneError` for what varlo would refuse, and for a transformation that it cannot hold.
         """
         if not isinstance(path, (str, os.PathLike)):
@@ -57,19 +58,20 @@ class Scene:
         antialias: str | int | None = None,
         jitter: bool = False,
         threads: int | None = None,
-        queue: int | None = None,
+        queue: int = 1000,
         binary: str | None = None,
         progress: Callable[[float], None] | None = None,
     ) -> Picture:
         """Renders the scene with varlo and gives back the picture, which a notebook shows.
 
         `path`: the picture, which appears when it is whole; its ending tells the format. Left out, the picture has
-        the name and the format of the settings, in the working directory. A scene without settings gets some.
+        the name and the format of the settings, in the working directory.
         `width`, `height`: pixels. `antialias`: "none", "quick", or a number: the `aa_distance` of the adaptive
         sampler, of 255. `threads`: 2, 4 or 8, left out by the number of processors. `queue`: entries of the queue of
-        a ray, at least 100. What is left out of these is as the settings say. `binary`: the program, if it is not on
-        PATH. `progress`: called with the share that is done, from 0 to 1; left out, percents are shown on a
-        terminal and in a notebook.
+        a ray, at least 100; more change nothing in the picture, and scenes that programs make fill a short one.
+        What is left out of the others is as the settings say. `binary`: the program, if it is not on
+        PATH. `progress`: called with the share that is done, from 0 to 1; left out, a terminal shows a bar and a
+        notebook per cents.
 
         Ctrl+C, the stop button of a notebook and an exception of `progress` end varlo at once, and leave nothing.
         Raises `Fault` for a run that did not end well, with the line of Python that made the statement at fault.
@@ -80,7 +82,7 @@ class Scene:
 
         def write(scene: Path) -> Writer:
             with open(scene, "w", encoding="ascii") as out:
-                return self._write(out, chosen)
+                return self._write(out)
         return rendering.render(write, target, arguments, binary, progress)
 
     def _settings(self) -> settings:
@@ -88,10 +90,10 @@ class Scene:
         found = [item for item in self._all.items if isinstance(item, settings)]
         return found[-1] if found else settings()
 
-    def _write(self, out: TextIO, missing: settings | None = None) -> Writer:
+    def _write(self, out: TextIO) -> Writer:
         writer = Writer(out)
         writer.add(self._all)
-        if missing is not None and not writer.words & {"settings", "include"}:
-            writer.add(missing)
+        if not writer.words & {"settings", "include"}:
+            writer.add(settings())
         writer.end()
         return writer

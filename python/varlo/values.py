@@ -87,9 +87,9 @@ def vector(statement: str, argument: str, value: Point) -> Vec:
     try:
         if not isinstance(value, str):
             x, y, z = value
-            made = Vec(float(x), float(y), float(z))
-            if (made.x - made.x) + (made.y - made.y) + (made.z - made.z) == 0.0:
-                return made
+            x, y, z = float(x), float(y), float(z)
+            if (x - x) + (y - y) + (z - z) == 0.0:  # infinities and what is no number fail
+                return tuple.__new__(Vec, (x, y, z))  # half the time of Vec(x, y, z)
     except (TypeError, ValueError, OverflowError):
         pass
     raise SceneError(statement, argument, value, "a vector is three decimals, x, y and z")

@@ -7,7 +7,7 @@ from bisect import bisect_right
 from collections.abc import Callable, Iterable, Iterator
 from typing import TYPE_CHECKING, TextIO, Union
 
-from .mesh import Mesh
+from .many import Many
 from .objects import Object
 from .shading import surface
 from .statements import Statement, declare, include
@@ -17,7 +17,7 @@ if TYPE_CHECKING:
     from .transform import Transform
 
 #: A statement, a mesh, a group, something that yields such things, or a function that gives something that does.
-Item = Union[Statement, Mesh, "Group", Iterable["Item"], Callable[[], Iterable["Item"]]]
+Item = Union[Statement, Many, "Group", Iterable["Item"], Callable[[], Iterable["Item"]]]
 
 # Lines that are kept before they are written.
 LINES = 4096
@@ -84,8 +84,8 @@ class Writer:
         """Writes one thing and all that is in it, moved by the transformation."""
         if isinstance(item, Statement):
             self._statement(item if transform is None else item.transformed(transform))
-        elif isinstance(item, Mesh):
-            self._mesh(item if transform is None else item.transformed(transform))
+        elif isinstance(item, Many):
+            self._many(item if transform is None else item.transformed(transform))
         elif isinstance(item, Group):
             outer = self._wanted
             if item.surface is not None:
@@ -132,14 +132,14 @@ class Writer:
                 self._wanted = self._written = None  # the file may have one
         self._line(statement.text(), statement.place)
 
-    def _mesh(self, mesh: Mesh) -> None:
+    def _many(self, many: Many) -> None:
         outer = self._wanted
-        for chosen, text, lines in mesh.parts():
+        for chosen, text, lines in many.parts():
             if chosen is not None:
                 self._wanted = chosen
             if self._wanted is not self._written or self._wanted is None:
-                self._use_surface("mesh")
-            self._from(mesh.place)
+                self._use_surface(type(many).__name__.lower())
+            self._from(many.place)
             self._flush()
             self.out.write(text)
             self.lines += lines
