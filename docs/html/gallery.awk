@@ -1,12 +1,12 @@
 # Makes the pages of the gallery from the tables of gallery/README.md: gallery.md with all pictures, and
 # scene-NAME.md with one picture beside its source. Set `examples`, the folder of the scenes, and `out`.
-function scene_page(k,    page, line, language) {
+function scene_page(k,    page, line, python, scene) {
     page = out "/scene-" name[k] ".md"
     print "# " name[k] "\n\n" idea[k] ". *Shows* " shows[k] "\n\n<div class=\"scene\">\n" >page
-    printf "<figure><img src=\"gallery/%s.jpg\" alt=\"%s\" data-scene=\"examples/%s\"></figure>\n\n", \
-        name[k], idea[k], file[k] >page
-    language = file[k] ~ /[.]py$/ ? "python" : "vlo"
-    print "~~~ {." language " data-scene=\"examples/" file[k] "\"}" >page
+    python = file[k] ~ /[.]py$/
+    scene = python ? "" : " data-scene=\"examples/" file[k] "\""
+    printf "<figure><img src=\"gallery/%s.jpg\" alt=\"%s\"%s></figure>\n\n", name[k], idea[k], scene >page
+    print "~~~ {." (python ? "python" : "vlo") scene "}" >page
     while ((getline line <(examples "/" file[k])) > 0)
         print line >page
     print "~~~\n\n</div>\n\n<p class=\"onwards\">" >page
@@ -28,7 +28,7 @@ function scene_page(k,    page, line, language) {
     split(cell[2], link, /[][()]+/)
     name[++count] = link[2]
     file[count] = link[3]
-    sub(/.*\//, "", file[count])
+    sub(/.*examples\//, "", file[count])
     idea[count] = toupper(substr(cell[3], 1, 1)) substr(cell[3], 2)
     shows[count] = cell[4]
     if (heading != "") {
