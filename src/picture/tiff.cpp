@@ -1,5 +1,7 @@
 #include "picture/tiff.h"
 
+#include "core/fatal.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <tiffio.h>
@@ -63,8 +65,11 @@ static void closeTIFF()
     }
     // TIFFClose would write the last row and the directory and close the file, but returns no result. The
     // reason is on standard error after a flush that fails, in the words of libtiff.
+    errno = 0;
     if (TIFFFlush(fp) == 0)
         exit(EXIT_FAILURE);
+    if (errno != 0) // a seek, whose result libtiff does not look at
+        endForFile(TIFFFileName(fp), errno, EXIT_FAILURE);
     TIFFCleanup(fp);
     closeFile(file);
 }
