@@ -56,8 +56,9 @@ function gatherScenes(folder, name) {
     if (/\.(vlo|inc|set)$/.test(file)) cpSync(join(root, folder, file), join(target, file));
   run(join(root, "examples/generate_models"), [target]);
   if (name === "gallery") return run(join(root, "examples/generate"), [target]);
-  const awk = ["-f", join(root, folder, "obj2inc.awk"), join(root, folder, "donut.obj")];
-  return writeFileSync(join(target, "donut.inc"), run("awk", awk));
+  const importer = join(root, "build/release/tools/import/varlo-import");
+  const place = ["--geometry", "--size", "3", "--turn", "0", "0", "30", "-o", join(target, "robot.inc")];
+  return run(importer, [...place, join(root, folder, "robot.gltf")]);
 }
 
 /** Renders the picture of a scene for the lists, 240 pixels wide or high; returns its address in the site. */
