@@ -1,11 +1,5 @@
 # Makes the pages of the gallery from the tables of gallery/README.md: gallery.md with all pictures, and
-# scene-NAME.md with one picture beside its source. Set `examples`, the folder of the scenes, `out`, and `pictures`, the
-# names of the pictures that are there: what has none is left out.
-BEGIN {
-    split(pictures, names)
-    for (k in names)
-        seen[names[k]] = 1
-}
+# scene-NAME.md with one picture beside its source. Set `examples`, the folder of the scenes, and `out`.
 function scene_page(k,    page, line, python, scene) {
     page = out "/scene-" name[k] ".md"
     print "# " name[k] "\n\n" idea[k] ". *Shows* " shows[k] "\n\n<div class=\"scene\">\n" >page
