@@ -24,7 +24,8 @@ export function faultsIn(output, status, main, textOf) {
 
   const fault = /\n Parser Error - line: (\d+)(?: - *(.*))?/.exec(output);
   if (fault) {
-    const opened = output.split("\n Parsing ").length - 1;
+    // It says so of each file that it opens but of a model's settings.
+    const opened = Math.max(1, output.split("\n Parsing ").length - 1);
     const place = placeOf(Number(fault[1]), opened, main, textOf);
     const before = output.slice(0, fault.index);
     const message = fault[2]?.trim() || before.trim().split("\n").slice(-2).join(" ").trim();

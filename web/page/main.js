@@ -48,24 +48,22 @@ function choice() {
   return { size, sampler: $("sampler").value, threads: Number($("threads").value) };
 }
 
-function showSizes() {
+function showSizes(chosen = $("size").value || "1") {
   const [width, height] = sizeOf(project.main, textOf);
   const label = (factor) => `${Math.round(width * factor)} × ${Math.round(height * factor)}`;
   const options = [0.5, 1, 1.5, 2, 3, 4].map(
     (factor) => new Option(label(factor) + (factor === 1 ? " (scene)" : ""), String(factor)),
   );
-  const chosen = $("size").value || "1";
   $("size").replaceChildren(...options, new Option("other…", "own"));
   $("size").value = chosen;
   $("own-size").hidden = chosen !== "own";
 }
 
 function restoreChoice({ size, sampler = "", threads } = {}) {
-  $("size").value = size ? "own" : "1";
   if (size) [$("width").value, $("height").value] = size;
   $("sampler").value = sampler;
   if (threads) $("threads").value = String(threads);
-  showSizes();
+  showSizes(size ? "own" : "1");
 }
 
 // ---- the picture ----
@@ -73,13 +71,27 @@ function restoreChoice({ size, sampler = "", threads } = {}) {
 const canvas = $("picture");
 const paint = canvas.getContext("2d", { willReadFrequently: true });
 
-/** Begins a picture on the canvas. What it showed stays, larger or smaller, until the rows come. */
+/** Gives the canvas the size of a picture. What it showed stays, larger or smaller, until the rows come. */
 function beginPicture(width, height) {
+  if (canvas.width === width && canvas.height === height) return;
   const last = document.createElement("canvas");
   [last.width, last.height] = [canvas.width, canvas.height];
   last.getContext("2d").drawImage(canvas, 0, 0);
   [canvas.width, canvas.height] = [width, height];
   paint.drawImage(last, 0, 0, width, height);
+}
+
+/** A small picture that is shown in the size of a large one. */
+function smallPicture(width, height, full) {
+  const small = document.createElement("canvas");
+  [small.width, small.height] = [width, height];
+  const context = small.getContext("2d");
+  const [across, down] = [full[0] / width, full[1] / height];
+  beginPicture(...full);
+  return (row, y) => {
+    context.putImageData(row, 0, y);
+    paint.drawImage(small, 0, y, width, 1, 0, y * down, width * across, down);
+  };
 }
 
 const say = (text) => ($("status").textContent = text);
@@ -90,23 +102,25 @@ function print(text) {
   $("output").scrollTop = $("output").scrollHeight;
 }
 
-/** One run. Returns its status. */
-async function pass(options, label) {
+/** One run, whose picture is shown as it is or in the size `full`. Returns its status. */
+async function pass(options, label, full) {
   output = "";
   print("");
   let rows = 0;
   let total = 1;
+  let show = (row, y) => paint.putImageData(row, 0, y);
   const seen = new Set();
   return start(
     { args: argumentsOf(project, options), files: project.files },
     {
       print,
       begin(width, height) {
-        beginPicture(width, height);
         total = height;
+        if (full) show = smallPicture(width, height, full);
+        else beginPicture(width, height);
       },
       row(y, bytes) {
-        paint.putImageData(new ImageData(bytes, bytes.length / 4, 1), 0, y);
+        show(new ImageData(bytes, bytes.length / 4, 1), y);
         if (seen.has(y)) return;
         seen.add(y);
         const percent = Math.floor((100 * ++rows) / total);
@@ -141,7 +155,7 @@ async function render() {
   let status = 0;
   if (scale < 0.7 && full.every((pixels) => pixels > 0)) {
     const size = full.map((pixels) => Math.max(1, Math.round(pixels * scale)));
-    status = await pass({ ...options, size, sampler: "-aan" }, "Small picture");
+    status = await pass({ ...options, size, sampler: "-aan" }, "Small picture", full);
   }
   if (status === 0) status = await pass(options, "Picture");
   if (number !== pictureNumber) return;
@@ -324,7 +338,6 @@ $("link").onclick = async () => {
 for (const id of ["size", "sampler", "threads", "width", "height"])
   $(id).onchange = () => {
     showSizes();
-    kept.dirty = kept.id !== undefined && kept.dirty;
     render();
   };
 

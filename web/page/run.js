@@ -19,18 +19,22 @@ export async function runVarlo(create, module, { args, files, script }, page) {
   const print = (byte) => page.print(toText(byte & 0xff));
   // The program asks for as many threads as its argument says, else for two.
   const threads = Number(args[args.lastIndexOf("-t") + 1]);
-  let status;
+  let status, memory;
   const varlo = await create({
     threads: [2, 4, 8].includes(threads) ? threads : 2,
     mainScriptUrlOrBlob: script,
     locateFile: (name) => script.replace(/[^/]*$/, name),
     instantiateWasm: (imports, receive) => {
-      WebAssembly.instantiate(module, imports).then((instance) => receive(instance, module));
+      WebAssembly.instantiate(module, imports).then((instance) => {
+        // Shared memory comes from the script, any other from the module, under a name that its linker chose.
+        memory = Object.values(instance.exports).find((value) => value instanceof WebAssembly.Memory);
+        receive(instance, module);
+      });
       return {};
     },
     preRun: [(self) => self.FS.init(() => null, print, print)],
-    picture: (address, width, height) => page.picture?.(varlo.wasmMemory, address, width, height),
-    row: (address, y) => page.row?.(varlo.wasmMemory, address, y),
+    picture: (address, width, height) => page.picture?.(memory ?? varlo.wasmMemory, address, width, height),
+    row: (address, y) => page.row?.(memory ?? varlo.wasmMemory, address, y),
     onExit: (code) => (status = code & 0xff),
     quit: (code, thrown) => {
       throw thrown;

@@ -31,6 +31,7 @@ const faulty = [
   ["in a comment", { "a.vlo": '[ include "b.inc"\n]\n; include "b.inc"\nplane 1' }, "a.vlo", 4, "plane 1"],
   ["a missing file", { "a.vlo": `${VIEW}\n include "b.inc"` }, "a.vlo", 2, 'include "b.inc"'],
   ["at the end", { "a.vlo": `${VIEW}\nsphere {\n` }, "a.vlo", 3, ""],
+  ["in the settings of a model", { "a.set": "{\n input_name x }" }, "a.set", 2, "input_name x }"],
   ["a missing camera", { "a.vlo": RED }, undefined, undefined, "Missing camera!"],
 ];
 
@@ -38,8 +39,10 @@ test("a fault has its place in the file that holds it", async () => {
   const varlo = await loadVarlo(join(root, "build/wasm"));
   for (const [name, files, file, line, at] of faulty) {
     let output = "";
-    const { status } = await varlo({ args: ["-i", "a.vlo", "-png"], files, print: (text) => (output += text) });
-    const [fault] = faultsIn(output, status, "a.vlo", within(files));
+    const [main] = Object.keys(files);
+    const args = [main.endsWith(".set") ? "-3ds" : "-i", main, "-png"];
+    const { status } = await varlo({ args, files, print: (text) => (output += text) });
+    const [fault] = faultsIn(output, status, main, within(files));
     const marked = fault.file ? files[fault.file].slice(fault.from, fault.to) : fault.message;
     assert.deepEqual({ status, file: fault.file, line: fault.line, marked }, { status: 255, file, line, marked: at }, name);
   }
