@@ -17,6 +17,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -130,20 +131,28 @@ struct Outcome {
     std::string out, err;
 };
 
+/// All that was written to a file in memory, which goes.
+inline std::string drained(int file)
+{
+    std::string text(static_cast<size_t>(lseek(file, 0, SEEK_END)), '\0');
+    EXPECT_EQ(pread(file, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+    close(file);
+    return text;
+}
+
 /// Runs `body` in a process of its own, which ends with status 0 if it returns.
 inline Outcome inChild(const std::function<void()>& body)
 {
-    const Folder folder;
+    const int out = memfd_create("out", MFD_CLOEXEC), err = memfd_create("err", MFD_CLOEXEC);
     fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        EXPECT_TRUE(freopen((folder.path + "/out").c_str(), "w", stdout));
-        EXPECT_TRUE(freopen((folder.path + "/err").c_str(), "w", stderr));
+        dup2(out, STDOUT_FILENO);
+        dup2(err, STDERR_FILENO);
         body();
         exit(0);
     }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), folder.read("out"),
-            folder.read("err")};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), drained(out), drained(err)};
 }

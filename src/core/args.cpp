@@ -80,22 +80,12 @@ static void setAdaptive(int distance)
     adapt_dist = distance;
 }
 
-/// An option in its two forms, and the one operation, or the two for two numbers, that takes its value.
-struct Option {
-    const char* forms[2];
-    void (*name)(const char* value) = nullptr;
-    void (*number)(int value) = nullptr;
-    void (*second)(int value) = nullptr; // a second number
-    void (*flag)() = nullptr;
-    bool isInput = false;
-};
-
 static void setInput(const char* name)
 {
     copyName(inputFileName, sizeof inputFileName, name);
 }
 
-static constexpr Option options[] = {
+static constexpr Option table[] = {
     {.forms = {"-?", "--help"}, .flag = refuse},
     {.forms = {"/?", "/?"}, .flag = refuse},
     {.forms = {"-o", "--output"},
@@ -129,6 +119,8 @@ static constexpr Option options[] = {
     {.forms = {"-jpg", "--jpeg"}, .flag = [] { iImageType = JPEG; }},
     {.forms = {"-png", "--png"}, .flag = [] { iImageType = PNG; }},
 };
+
+constexpr std::span<const Option> options = table;
 
 static const Option* findOption(const char* argument)
 {

@@ -1,10 +1,13 @@
 #!/bin/sh
-# The words of the manual pages and the editors, held against the tables of the program.
+# words_test.sh TABLES holds the words of the manual pages and the editors against those that the program TABLES
+# prints.
 set -eu
 export LC_ALL=C
+tables=$(realpath -- "$1")
 cd -- "$(dirname -- "$0")/../.."
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+"$tables" >"$work/tables"
 status=0
 
 same() { # WHAT WANTED GOT
@@ -15,9 +18,8 @@ same() { # WHAT WANTED GOT
     }
 }
 
-found=$(sed -n 's/.* NUM_FOUND_KEYWORDS = \([0-9]*\);/\1/p' src/scene/keywords.h)
 same editors/keywords.txt \
-    "$(sed -n 's/^    {"\([a-z_]*\)", [0-9]*},/\1/p' src/scene/keywords.h | head -n "$found")" \
+    "$(sed -n 's/^keyword //p' "$work/tables")" \
     "$(sed -n -e 's/ statement$//p' -e 's/ parameter$//p' -e 's/ reserved$//p' editors/keywords.txt)"
 
 without() { # PREFIX PAGE prints the words of standard input that do not stand behind PREFIX in PAGE.
@@ -26,8 +28,7 @@ without() { # PREFIX PAGE prints the words of standard input that do not stand b
     done
 }
 same man/varlo.5 '' "$(sed -n 's/^\([a-z_]*\) .*/\1/p' editors/keywords.txt | without '(Ic|,) ' man/varlo.5)"
-same man/varlo.1 '' "$(sed -n 's/.*\.forms = {"-\([^"]*\)", "-\([^"]*\)"}.*/\1\n\2/p' src/core/args.cpp |
-    sed 's/?/[?]/' | without 'Fl ' man/varlo.1)"
+same man/varlo.1 '' "$(sed -n 's/^option -//p' "$work/tables" | sed 's/?/[?]/' | without 'Fl ' man/varlo.1)"
 
 list() { # KIND VIM-GROUP TEXTMATE-SCOPE
     wanted=$(sed -n "s/ $1\$//p" editors/keywords.txt)

@@ -1,3 +1,4 @@
+#include "core/args.h"
 #include "engine/light.h"
 #include "import3ds/scene3ds.h"
 #include "support.h"
@@ -7,8 +8,8 @@
 #include <set>
 #include <span>
 
-// The manual against the program: words and defaults by what the parser does, options and messages by the
-// source.
+// The manual against the program: words and defaults by what the parser does, options by their table, and
+// messages by the constants of the binary.
 
 using Names = std::set<std::string>;
 using Rows = std::vector<std::vector<std::string>>;
@@ -23,13 +24,13 @@ const auto replaced = [](const std::string& text, const char* pattern, const cha
     return std::regex_replace(text, std::regex(pattern), by);
 };
 
-/// The first and the last group of each match.
-static Names matches(const std::string& text, const char* pattern = "`([^`]+)`")
+/// The words between backticks.
+static Names matches(const std::string& text)
 {
-    const std::regex expression(pattern);
+    static const std::regex expression("`([^`]+)`");
     Names names;
     for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end; ++match)
-        names.insert({(*match)[1], (*match)[match->size() - 1]});
+        names.insert((*match)[1]);
     return names;
 }
 
@@ -121,54 +122,70 @@ TEST_F(ManualTest, DefaultsAreThoseOfTheBlocks)
 
 TEST(Manual, OptionsAreThoseOfTheProgram)
 {
-    Names documented;
+    Names documented, taken;
     auto tables = tablesOf("docs/command-line.md");
     for (const auto& row : tables["Options"])
         documented.merge(matches(row[0]));
-    EXPECT_EQ(documented, matches(contents("src/core/args.cpp"), "forms = \\{\"([^\"]+)\", \"([^\"]+)\""));
+    for (const Option& option : options)
+        taken.insert(std::begin(option.forms), std::end(option.forms));
+    EXPECT_EQ(documented, taken);
 }
 
-/// The lines that a source prints, with ... for what is filled in.
-static Names messagesOf(const std::string& source)
+/// Text of the manual or a format of the program: a line each, with ... for what is filled in.
+static Names messagesOf(std::string text)
 {
-    const char* const steps[][2] = {{": $", ": %s!"},
-                                    {"%[0-9.lz]*[a-z]", "..."},
-                                    {"(\\\\t| )+", " "},
-                                    {" ?\\\\n ?|^ | $", "\n"},
-                                    {"\\\\(.)", "$1"}};
-    // Words; but not the options of the usage text, nor its other lines and those of the report.
-    static const std::regex isMessage("(?!-|Usage|Example|Report|Send|Cone:|varlo pic!|(?!NULL).* = )"
-                                      ".*[A-Za-z']{2}.* .*[A-Za-z.]{2}.*");
+    const char* const steps[][2] = {{"\\b([NCWH]|NAME|WORD|PART)\\b|%[0-9.lz]*[a-z]", "..."},
+                                    {": $", ": ...!"},
+                                    {"[\t ]+", " "},
+                                    {" ?\n ?|^ | $", "\n"}};
+    for (const auto& [pattern, by] : steps)
+        text = replaced(text, pattern, by);
     Names found;
-    for (std::string text :
-         matches(replaced(source, "//[^\n]*|\"\\s*\n\\s*\"", ""), "\"((?:[^\"\\\\\n]|\\\\.)*)\"")) {
-        for (const auto& [pattern, by] : steps)
-            text = replaced(text, pattern, by);
-        std::istringstream lines(text);
-        for (std::string message; std::getline(lines, message);)
-            if (std::regex_match(message, isMessage))
+    std::istringstream lines(text);
+    for (std::string message; std::getline(lines, message);)
+        if (!message.empty())
+            found.insert(message);
+    return found;
+}
+
+/// All messages of two words or more that stand in the constants of the program, which end in a zero each.
+static Names messagesOfTheProgram()
+{
+    // But not what stands in the usage text and in the dump of a record, nor what the C++ library says.
+    static const std::regex isMessage("(?!-|Usage|Example|Report|Send|Cone:|varlo pic!|basic_string|vector::)"
+                                      "(?!(?!NULL).* = ).*[A-Za-z']{2}.* .*[A-Za-z.]{2}.*");
+    const Folder folder;
+    const std::string path = folder.path + "/constants";
+    EXPECT_EQ(system(("objcopy -O binary --only-section=.rodata " VARLO_BINARY " " + path).c_str()), 0);
+    std::istringstream constants(folder.read("constants"));
+    Names found;
+    for (std::string text; std::getline(constants, text, '\0');)
+        for (const std::string& message : messagesOf(text))
+            if (std::ranges::all_of(message, isprint) && std::regex_match(message, isMessage))
                 found.insert(message);
-    }
     return found;
 }
 
 TEST(Manual, MessagesAreThoseOfTheProgram)
 {
-    Names printed, documented, ofBlocks;
-    for (const auto& file : std::filesystem::recursive_directory_iterator(VARLO_SOURCE_DIR "/src"))
-        if (file.is_regular_file())
-            printed.merge(messagesOf(contents(file.path())));
+    Names documented, ofBlocks;
     const auto collect = [](const auto& tables, size_t column, Names* names) {
         for (const auto& [heading, rows] : tables)
             for (const auto& row : rows)
-                for (const std::string& message : matches(row[column]))
-                    names->insert(replaced(message, "\\b([NCWH]|NAME|WORD|PART)\\b", "..."));
+                for (const std::string& text : matches(row[column]))
+                    names->merge(messagesOf(text));
     };
     collect(tablesOf("docs/messages.md"), 0, &documented);
     collect(blocks(), 6, &ofBlocks);
-    std::vector<std::string> differing;
-    std::ranges::set_symmetric_difference(documented, printed, std::back_inserter(differing));
-    EXPECT_EQ(differing, std::vector<std::string>{});
     for (const std::string& message : ofBlocks)
         EXPECT_TRUE(documented.contains(message) || message.find(' ') == std::string::npos) << message;
+#ifdef VARLO_RELEASE // other builds hold more constants
+    const Names printed = messagesOfTheProgram();
+    std::vector<std::string> differing;
+    std::ranges::set_symmetric_difference(documented, printed, std::back_inserter(differing));
+    // These two are faults of the program itself, which the compiler or a build without checks leaves out.
+    const std::vector<std::string> unheard = {"Priority queue is empty, dying...",
+                                              "The walk and the heap disagree"};
+    EXPECT_EQ(differing, unheard);
+#endif
 }
