@@ -1,8 +1,6 @@
 """What the tests share: a clean scene, the add-on in it, what it writes, and who covers which pixel."""
 
-import os
 import re
-import sys
 import tempfile
 from pathlib import Path
 
@@ -11,12 +9,6 @@ import numpy
 
 FOLDER = Path(tempfile.mkdtemp(prefix="varlo-blender-"))
 tempfile.tempdir = str(FOLDER)  # what the add-on leaves behind is found here
-
-
-def install(archive: str) -> None:
-    """Puts the add-on into Blender as a user does, from its zip."""
-    bpy.ops.preferences.addon_install(filepath=archive, overwrite=True)
-    bpy.ops.preferences.addon_enable(module="render_varlo")
 
 
 def fresh(width: int = 160, height: int = 120) -> bpy.types.Scene:
@@ -66,21 +58,15 @@ def rendered() -> numpy.ndarray:
     return pixels
 
 
-def covered_by_varlo() -> numpy.ndarray:
-    """The pixels whose middle meets an object: all that is lit by the world alone, before a world of another colour."""
+def covered(engine: str) -> numpy.ndarray:
+    """The pixels whose middle meets an object, by varlo or by Cycles."""
     scene = bpy.context.scene
-    scene.render.engine = "VARLO"
-    scene.varlo.antialiasing = "none"
-    scene.world.color = (1, 1, 1)
-    return rendered()[..., :3].min(axis=2) < 0.98
-
-
-def covered_by_cycles() -> numpy.ndarray:
-    scene = bpy.context.scene
-    scene.render.engine = "CYCLES"
-    scene.cycles.samples, scene.cycles.use_denoising = 1, False
+    scene.render.engine, scene.varlo.antialiasing = engine, "none"
+    if engine == "VARLO":
+        scene.world.color = (1, 1, 1)  # brighter than all that it lights
+        return rendered()[..., :3].min(axis=2) < 0.98
+    scene.cycles.samples, scene.cycles.use_denoising, scene.render.film_transparent = 1, False, True
     scene.cycles.pixel_filter_type, scene.cycles.filter_width = "GAUSSIAN", 0.01
-    scene.render.film_transparent = True
     return rendered()[..., 3] > 0.5
 
 
@@ -89,13 +75,3 @@ def grown(mask: numpy.ndarray) -> numpy.ndarray:
     wide = numpy.pad(mask, 1)
     rows, columns = mask.shape
     return numpy.logical_or.reduce([wide[y:y + rows, x:x + columns] for y in range(3) for x in range(3)])
-
-
-def children() -> list[int]:
-    """The processes that this one runs."""
-    return [int(pid) for pid in Path(f"/proc/self/task/{os.getpid()}/children").read_text().split()]
-
-
-def archive_argument() -> str:
-    """The zip that stands behind `--` on the command line, and leaves it for the test runner."""
-    return os.path.abspath(sys.argv[sys.argv.index("--") + 1])
