@@ -29,7 +29,14 @@ foreach(tool IN ITEMS check render watch film)
     configure_file(python/launcher.in python/varlo-${tool} @ONLY)
     install(PROGRAMS ${CMAKE_CURRENT_BINARY_DIR}/python/varlo-${tool} DESTINATION ${CMAKE_INSTALL_BINDIR}
         COMPONENT tools)
+    install(FILES man/varlo-${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    # bash and fish look for a file with the name of the command.
+    install(FILES completions/varlo-tools.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME varlo-${tool} COMPONENT tools)
+    install(FILES completions/varlo-tools.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+        RENAME varlo-${tool}.fish COMPONENT tools)
 endforeach()
+install(FILES completions/_varlo-tools DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT tools)
 
 # ---- what one reads ----
 

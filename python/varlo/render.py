@@ -34,7 +34,7 @@ processors.
 """
 
 FORMATS = {"-tga": ".tga", "-bmp": ".bmp", "-ppm": ".ppm", "-png": ".png", "-jpg": ".jpg", "-tif": ".tif"}
-LONG_FORMATS = {"--jpeg": "-jpg", "--tiff": "-tif"} | {f"-{name}": name for name in FORMATS}
+LONG_FORMATS = {"--jpeg": "-jpg", "--tiff": "-tif", "--tga": "-tga", "--bmp": "-bmp", "--ppm": "-ppm", "--png": "-png"}
 # How many values stand behind an option of the program.
 VALUES = {0: ("-aan", "--aanone", "-aaq", "--aaquick", "-j", "--jitter"),
           1: ("-c", "--camera", "-w", "--width", "-h", "--height", "-aaa", "--aaadaptive", "-t", "--thread", "-pqs",
