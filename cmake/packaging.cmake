@@ -94,7 +94,7 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME varlo-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "varlo (= ${PROJECT_VERSION}-1), python3 (>= 3.11)")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "chafa, feh, ffmpeg, openssh-client, parallel, rsync")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "slurm-client, python3-numpy")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "slurm-client, python3-fonttools, python3-numpy")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_EXTRA
     ${CMAKE_CURRENT_SOURCE_DIR}/packaging/tools/postinst ${CMAKE_CURRENT_SOURCE_DIR}/packaging/tools/prerm)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION

@@ -21,7 +21,7 @@ def build() -> varlo.Scene:
     ink = varlo.surface(color=(0.16, 0.19, 0.24), ambient=0.5, diffuse=0.4)
     scene = varlo.Scene(
         varlo.settings(resolution=(1280, 720), antialiasing="adaptive", aa_distance=8, background=(0.97, 0.97, 0.96)),
-        varlo.camera(position=EYE, look_at=(2.3, 1.3, 1.62), fov=28, ratio=varlo.true_ratio(28, 16, 9)),
+        varlo.camera(position=EYE, look_at=(2.3, 1.3, 1.82), fov=28, ratio=varlo.true_ratio(28, 16, 9)),
         varlo.light(position=(-54, -24, 84), color=(0.72, 0.71, 0.69), attenuation_type="none", shadow_type="smooth",
                     radius=8, light_samples=24),
         # A fill from the eye itself: nobody sees its shadows.

@@ -84,7 +84,7 @@ def build() -> varlo.Scene:
     scene = varlo.Scene(
         varlo.settings(resolution=(1280, 720), antialiasing="adaptive", aa_distance=8, haze_factor=0.006,
                        haze_color=(0.93, 0.88, 0.80)),
-        varlo.camera(position=(0.4, -21, 1.3), look_at=(0.2, 0, 3.75), fov=46, ratio=varlo.true_ratio(46, 16, 9)),
+        varlo.camera(position=(0.4, -21, 1.3), look_at=(0.2, 0, 3.95), fov=51, ratio=varlo.true_ratio(51, 16, 9)),
         varlo.light(position=(-50, -52, 42), color=(1.0, 0.86, 0.66), attenuation_type="none", shadow_type="smooth",
                     radius=1.6, light_samples=10),
         varlo.light(position=(40, -60, 60), color=(0.16, 0.19, 0.25), attenuation_type="none"),

@@ -32,7 +32,7 @@ def shell() -> varlo.Mesh:
             if step < steps:
                 which.append(min(int(24 * dark(turn, math.degrees(angle))), 23))
     color = varlo.gradient([(0.97, 0.90, 0.78), (0.95, 0.78, 0.58), (0.80, 0.47, 0.27), (0.48, 0.22, 0.13)])
-    shades = varlo.shades(color, 24, ambient=0.18, diffuse=0.78, specular=0.35, roughness=45, reflection=0.04)
+    shades = varlo.shades(color, 24, ambient=0.18, diffuse=0.78, specular=0.35, roughness=45)
     faces = varlo.grid_faces(steps + 1, sides, around=True)
     return varlo.mesh(vertices, faces, smooth=180, surfaces=shades, which=which)
 
@@ -56,7 +56,7 @@ def build() -> varlo.Scene:
                        haze_factor=0.012, haze_color=(0.95, 0.88, 0.77)),
         varlo.camera(position=(-2.4, -9.6, 3.5), look_at=(0.05, 0, 1.12), fov=34, ratio=varlo.true_ratio(34, 16, 9)),
         varlo.light(position=(-11, -3.5, 8), color=(1.0, 0.90, 0.74), attenuation_type="none", shadow_type="smooth",
-                    radius=1.1, light_samples=24),
+                    radius=1.1, light_samples=16),
         varlo.light(position=(8, -9, 7), color=(0.17, 0.19, 0.24), attenuation_type="none"),
     )
     lying = varlo.move(-1.6, -0.4, 1.08) @ varlo.turn(z=198) @ varlo.turn(y=106) @ varlo.turn(z=205)
