@@ -4,10 +4,16 @@
 #include "bounds/intersec.h"
 #include "bounds/packed.h"
 #include "core/data.h"
+#include "core/fatal.h"
+#include "core/progress.h"
 #include "core/settings.h"
 #include "core/surface.h"
+#include "core/trace.h"
 #include "engine/light.h"
 #include "engine/ray.h"
+#include "import3ds/3ds.h"
+#include "import3ds/scene3ds.h"
+#include "primitives/kinds.h"
 #include "scene/colors.h"
 #include "scene/parser.h"
 
@@ -15,6 +21,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace
@@ -32,6 +39,7 @@ static constexpr size_t MAX_STREAMS = 6;     // open at a time
 // One run at a time.
 static constinit bool running = false;
 static constinit int blocksLeft = -1; // that the C library hands out; below 0 there is no limit
+static constinit bool asksHeap = false;
 static jmp_buf beforeRun;
 static constinit std::span<const File> present{};
 static constinit std::vector<Block> blocks{};
@@ -41,6 +49,7 @@ static constinit std::vector<FILE*> streams{};
 
 extern "C" {
 [[noreturn]] void __real_exit(int status);
+[[noreturn]] void __real__Z5fatalPKcP8_IO_FILE(const char* message, FILE* stream); // fatal
 FILE* __real_fopen(const char* name, const char* mode);
 int __real_fclose(FILE* stream);
 void* __real_malloc(size_t size);
@@ -93,6 +102,17 @@ extern "C" {
     __real_exit(status);
 }
 
+/// The end of a run too, but where the heap is only asked to agree: the walk answered, so it may not
+/// overflow.
+[[noreturn]] void __wrap__Z5fatalPKcP8_IO_FILE(const char* message, FILE* stream)
+{
+    if (running && !asksHeap)
+        longjmp(beforeRun, 1);
+    if (running)
+        abort();
+    __real__Z5fatalPKcP8_IO_FILE(message, stream);
+}
+
 FILE* __wrap_fopen(const char* name, const char* mode)
 {
     if (!running || *mode != 'r') // the fuzzer writes the input of a finding
@@ -143,6 +163,8 @@ void __wrap_free(void* address)
 
 void* __wrap__Znwm(size_t size)
 {
+    if (isTooMuch(size))
+        fatal(OUT_OF_MEMORY); // as the program's new handler does
     return note(__real__Znwm(size), __real__ZdlPv);
 }
 
@@ -185,22 +207,34 @@ int LLVMFuzzerInitialize(int*, char***)
 
 // ---- one run ----
 
-/// Gives every global that a scene changes its start value. The lists are not freed: their memory was.
 void runWith(std::span<const File> files, void (*body)())
 {
     myColorList = nullptr; // its entries went with the last run
     resetScene();
-    iPQSize = 1024; // too few entries would end the process for good
     present = files;
     // The length of an input, which is free of meaning, tells if memory ends, and when.
     size_t length = 0;
     for (const File& file : files)
         length += file.text.size();
     blocksLeft = length % 8 == 0 ? static_cast<int>(length / 8 % 64) + 1 : -1;
+    // In the same way it tells if the queue is as small as may be, or around what a run has.
+    static constexpr int SIZES[] = {100, 101, 128, 1024, 1025};
+    iPQSize = SIZES[length % std::size(SIZES)];
     running = true;
     if (setjmp(beforeRun) == 0)
         body();
     releasePackedTree();
+    // A run that ended amid a model has left an index and records behind. A whole model of nothing ends the
+    // one, and one that is not found the others.
+    static constexpr File NOTHING[] = {{"nothing.3ds", {"MM\6\0\0\0", 6}},
+                                       {"nowhere.set", "{ input_name \"nowhere.3ds\" }"}};
+    present = NOTHING;
+    blocksLeft = -1;
+    Model3DS none{};
+    if (setjmp(beforeRun) == 0) {
+        import3DS(&none, "nothing.3ds", 0);
+        parse3ds("nowhere.set");
+    }
     running = false;
     for (FILE* stream : streams)
         __real_fclose(stream);
@@ -217,9 +251,13 @@ static void compareWalks(const Ray& ray)
     if (myObjectList->type != BOUNDING_NODE || std::isnan(dot(ray.origin, ray.direction)))
         return;
     const int found = intersect(&ray, NO_LIMIT, &quick, nullptr);
+    asksHeap = true;
+    const int left = std::exchange(blocksLeft, -1); // a large queue takes memory
     if (found != intersectByHeap(&ray, NO_LIMIT, &slow, nullptr) ||
         (found != 0 && quick.object != slow.object))
         abort();
+    asksHeap = false;
+    blocksLeft = left;
 }
 
 void shootRays()
@@ -234,9 +272,11 @@ void shootRays()
     for (Object* light = myLightList; light != nullptr; light = light->next)
         const_cast<int&>(recordOf<Light>(light).samples) = std::min(recordOf<Light>(light).samples, 1);
     myViewPoint.samples = 1;
-    blocksLeft = -1; // from here on a lack of memory ends the process for good
     myDisplay.width = myDisplay.height = RAYS;
 
+    printList(myObjectList);
+    initMTBounds(numThreads);
+    showProgressInit();
     buildBoundingSlabs();
     packTree();
     screenInit();
@@ -247,6 +287,7 @@ void shootRays()
             initRay(x + 0.5, y + 0.5, &ray);
             compareWalks(ray);
         }
+        showProgress(y);
     }
     initRay(RAYS / 2, RAYS / 2, &ray);
     Color color;

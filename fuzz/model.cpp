@@ -1,6 +1,7 @@
 #include "harness.h"
 
 #include "import3ds/scene3ds.h"
+#include "mutate.h"
 
 // The bytes of a 3DS model.
 
@@ -15,4 +16,19 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size)
             shootRays();
     });
     return 0;
+}
+
+extern "C" size_t LLVMFuzzerMutate(std::uint8_t* data, size_t size, size_t maxSize);
+
+extern "C" size_t LLVMFuzzerCustomMutator(std::uint8_t* data, size_t size, size_t maxSize, unsigned int seed);
+size_t LLVMFuzzerCustomMutator(std::uint8_t* data, size_t size, size_t maxSize, unsigned int seed)
+{
+    std::minstd_rand chance(seed);
+    if (size < HEADER || chance() % 4 == 0)
+        return LLVMFuzzerMutate(data, size, maxSize);
+    Bytes bytes(data, data + size);
+    mutateChunk(bytes, chance, LLVMFuzzerMutate);
+    const size_t written = std::min(bytes.size(), maxSize);
+    std::copy_n(bytes.begin(), written, data);
+    return written;
 }
