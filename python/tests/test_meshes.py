@@ -154,6 +154,10 @@ class Written(unittest.TestCase):
         ways: list[Any] = [balls, balls(), list(balls())]
         ends = [written(varlo.surface(), varlo.move(0, 0, 1)(varlo.group(item)))[-1] for item in ways]
         self.assertEqual(ends, ["sphere { center <2 0 1>  radius 1 }"] * 3)
+        with self.assertRaisesRegex(TypeError, "len"):  # of the function itself
+            written(varlo.surface(), lambda: [len(1)])  # type: ignore[arg-type]
+        with self.assertRaisesRegex(varlo.SceneError, "neither"):
+            written(varlo.surface(), 1)
         once = varlo.group(balls())
         written(varlo.surface(), once)
         with self.assertRaisesRegex(varlo.SceneError, "once"):
@@ -165,6 +169,8 @@ class Written(unittest.TestCase):
             ([varlo.declare("red", (2, 0, 0)), varlo.surface(color="#red")], "each part from 0 to 1"),
             ([varlo.declare("red", (1, 0, 0)), varlo.surface(color="#red")], ""),
             ([varlo.include("colours.inc"), varlo.surface(color="#red")], ""),
+            ([varlo.declare("red", (1, 0, 0)), varlo.surface(color="#red"), varlo.declare("red", (0.5, 0, 0)),
+              varlo.surface(color="#red")], ""),
         ]
         for items, said in cases:
             with self.subTest(said):

@@ -96,10 +96,9 @@ class Writer:
                 self.add(part, transform)
             self._wanted = outer
         else:
-            try:
-                parts = iter(item() if callable(item) else item)
-            except TypeError:
-                raise SceneError("scene", "", None, f"neither a statement nor a mesh nor a group: {item!r}") from None
+            parts = item() if callable(item) else item
+            if not isinstance(parts, Iterable):
+                raise SceneError("scene", "", None, f"neither a statement nor a mesh nor a group: {parts!r}")
             for part in parts:
                 self.add(part, transform)
 
@@ -152,8 +151,9 @@ class Writer:
         if wanted is not None:
             self._check_colors(wanted)
             self.words.add("surface")
-            if self._written is None or wanted.text() != self._written.text():
-                self._line(wanted.text(), wanted.place)
+            text = wanted.text()
+            if self._written is None or text != self._written.text() or "#" in text:  # a name may have a new colour
+                self._line(text, wanted.place)
             self._written = wanted
 
     def _check_colors(self, statement: Statement) -> None:
