@@ -45,11 +45,12 @@ TEST(Random, IsDealtInBlocks)
     for (const auto& [share, count] : shares) {
         SCOPED_TRACE(testing::Message() << share << " of " << count);
         std::vector<double> drawn(3 * RANDOM_BLOCK + 1);
-        std::thread([&] {
-            startRandom(share, count);
+        std::thread([&, first = share, bands = count] { // clang 14 captures no structured binding
+            startRandom(first, bands);
             for (double& number : drawn)
                 number = randomNumber();
-        }).join();
+        })
+            .join();
         int differences = 0;
         for (size_t j = 0; j < drawn.size(); ++j)
             differences += drawn[j] != all[(j / 4096 * count + share) * 4096 + j % 4096];
