@@ -311,8 +311,8 @@ static bool readEditor(Model3DS* model, Chunk* chunk)
 static int refuse(const char* message, const char* fileName)
 {
     char text[255];
-    if (snprintf(text, sizeof text, "%s%s!", message, fileName) >= 0)
-        printf(" %s\n", text);
+    snprintf(text, sizeof text, "%s%s!", message, fileName);
+    printf(" %s\n", text);
     return 0;
 }
 

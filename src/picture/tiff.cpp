@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <tiffio.h>
 #include <unistd.h>
+#include <utility>
 
 static constinit FILE* file = nullptr; // which libtiff writes to by its number
 static constinit TIFF* fp = nullptr;
@@ -20,16 +21,18 @@ static bool fits(int width, int height)
 
 static int writeTIFFHeader(int width, int height)
 {
-    const bool isSet = TIFFSetField(fp, TIFFTAG_IMAGEWIDTH, width) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_IMAGELENGTH, height) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_BITSPERSAMPLE, 8) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_COMPRESSION, COMPRESSION_NONE) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_SAMPLESPERPIXEL, 3) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_ROWSPERSTRIP, 1) != 0 &&
-                       TIFFSetField(fp, TIFFTAG_IMAGEDESCRIPTION, "varlo pic!") != 0;
-    return isSet ? 0 : -1;
+    const std::pair<int, int> tags[] = {{TIFFTAG_IMAGEWIDTH, width},
+                                        {TIFFTAG_IMAGELENGTH, height},
+                                        {TIFFTAG_BITSPERSAMPLE, 8},
+                                        {TIFFTAG_COMPRESSION, COMPRESSION_NONE},
+                                        {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB},
+                                        {TIFFTAG_SAMPLESPERPIXEL, 3},
+                                        {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG},
+                                        {TIFFTAG_ROWSPERSTRIP, 1}};
+    for (const auto& [tag, value] : tags)
+        if (TIFFSetField(fp, static_cast<ttag_t>(tag), value) == 0)
+            return -1;
+    return TIFFSetField(fp, TIFFTAG_IMAGEDESCRIPTION, "varlo pic!") != 0 ? 0 : -1;
 }
 
 static int openTIFF(const char* name, int width, int height)

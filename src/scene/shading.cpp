@@ -17,8 +17,8 @@ static constexpr const char* COLOR_FAULT = " invalid color component(s)";
 
 static bool isSurfaceColor(Color* color)
 {
-    return !(color->red < 0.0 || color->red > 1.0 || color->green < 0.0 || color->green > 1.0 ||
-             color->blue < 0.0 || color->blue > 1.0);
+    const auto isOutside = [](double component) { return component < 0.0 || component > 1.0; };
+    return !isOutside(color->red) && !isOutside(color->green) && !isOutside(color->blue);
 }
 
 static bool raiseToOne(double* index)

@@ -62,14 +62,14 @@ TEST_F(ManualTest, EachBlockTakesTheWordsOfItsTable)
     EXPECT_EQ(blocks().size(), 14);
     for (const auto& [name, rows] : blocks()) {
         const bool isModel = name == "3DS settings";
+        const auto read = isModel ? parse3ds : parseScene;
         const std::string head = isModel ? "{ " : name + (name == "polygon" ? " { 4 " : " { ");
         Names documented, taken;
         for (const auto& row : rows)
             documented.merge(matches(row[0]));
         for (const MotCle& keyword : std::span(liste_motcle, NUM_FOUND_KEYWORDS)) {
             const std::string path = folder.write("scene", head + keyword.texte);
-            const Outcome outcome =
-                inChild([&] { isModel ? parse3ds(path.c_str()) : parseScene(path.c_str()); });
+            const Outcome outcome = inChild([&] { read(path.c_str()); });
             if (outcome.out.find("Unkown parameter") == std::string::npos)
                 taken.insert(keyword.texte);
         }
@@ -178,7 +178,9 @@ TEST(Manual, MessagesAreThoseOfTheProgram)
     collect(tablesOf("docs/messages.md"), 0, &documented);
     collect(blocks(), 6, &ofBlocks);
     for (const std::string& message : ofBlocks)
-        EXPECT_TRUE(documented.contains(message) || message.find(' ') == std::string::npos) << message;
+        if (message.find(' ') != std::string::npos) {
+            EXPECT_TRUE(documented.contains(message)) << message;
+        }
 #ifdef VARLO_RELEASE // other builds hold more constants
     const Names printed = messagesOfTheProgram();
     std::vector<std::string> differing;

@@ -32,6 +32,7 @@ inline const std::string CAMERA = chunk(0x4700, floats({1, 2, 3, 4, 5, 6, 7, 50}
 inline const std::string SPOT = chunk(0x4610, floats({1, 2, 3, 4, 5}));
 inline const std::string LAMP =
     chunk(0x4600, floats({1, 2, 3}) + chunk(0x0010, floats({.1f, .5f, 1})) + SPOT);
+inline const std::string OFF_LAMP = chunk(0x4600, floats({1, 2, 3}) + chunk(0x4620, "x"));
 
 inline std::string file(const std::string& content, std::uint16_t version = 3)
 {
@@ -82,8 +83,10 @@ struct ModelTest : SceneTest {
     std::string counts() const
     {
         int vertices = 0, faces = 0;
-        for (int i = 0; i < model.numObjects; faces += model.objects[i++].numFaces)
+        for (int i = 0; i < model.numObjects; ++i) {
             vertices += model.objects[i].numVertices;
+            faces += model.objects[i].numFaces;
+        }
         return line(model.numObjects, vertices, faces, model.numMaterials, model.numCameras, model.numLights);
     }
 };

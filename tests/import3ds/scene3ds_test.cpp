@@ -101,5 +101,6 @@ TEST_F(AssemblyTest, Failures)
     EXPECT_EQ(inChild([] { parse3ds("none/x"); }).out, none);
     EXPECT_EQ(inChild([&] { parse3ds(longest.c_str()); }).err, "");
     const Outcome tooLong = inChild([&] { parse3ds((longest + "x").c_str()); });
-    EXPECT_TRUE(tooLong.status == 255 && tooLong.err.find("too long") != std::string::npos);
+    EXPECT_EQ(tooLong.status, 255);
+    EXPECT_NE(tooLong.err.find("too long"), std::string::npos);
 }

@@ -27,6 +27,7 @@ cone { radius| Unkown parameter in cone structure
 cone { base_radius 0 cap_radius 0 cap <0 0 1> }| Error in cone structure
 cone { base_radius 0 cap_radius 0 cap <0 0 1> base <0 0 1> }| base radius and cap radius cannot be both null
 cone { base_radius -1 cap_radius -1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
+cone { base_radius 1 cap_radius -1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
 cone { base_radius 0 cap_radius 1 cap <0 0 1> base <0 0 1> }| base and cap cannot be the same point
 disc { internal_radius| Unkown parameter in disc structure
 disc { center <0 0 0> radius 0 }| missing parameter(s) in disc structure
@@ -34,18 +35,21 @@ disc { center <0 0 0> radius 0 normal <0 0 0> }| radius cannot be null or negati
 ring { radius| Unkown parameter in ring structure
 ring { center <0 0 0> normal <0 0 1> internal_radius 0 }| missing parameter(s) in disc structure
 ring { center <0 0 0> normal <0 0 1> internal_radius 0 external_radius 0 }| external and internal radius cannot be null or negative
+ring { center <0 0 0> normal <0 0 1> internal_radius 2 external_radius 0 }| external and internal radius cannot be null or negative
 ring { center <0 0 0> normal <0 0 1> internal_radius 2 external_radius 2 }| both radius are equal
 triangle { normal| Unkown parameter in triangle structure
 triangle { vertex <0 0 0> vertex <1 0 0> }| Too few vertices in triangle structure
 triangle { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0>~vertex| Too many vertices in triangle structure
 patch { radius| Unkown parameter in patch structure
 smooth_triangle { normal <0 0 1> vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> }| Too few normals in patch structure
+patch { normal <0 0 1> normal <0 0 1> normal <0 0 1> vertex <1 0 0> vertex <0 1 0> }| Too few vertices in patch structure
 patch { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> vertex| Too many vertices in patch structure
 patch { normal <0 0 1> normal <0 0 1> normal <0 0 1>~normal| Too many normals in patch structure
 polygon { vertex| Integer value expected
 polygon { 3| valid number of vertices expected
 polygon { 4 normal| Unkown parameter in polygon structure
 polygon { 4 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> vertex <0 1 0>~vertex| Too many vertices in polygon structure
+polygon { 4 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> }| Too few vertices in polygon structure
 camera~1| Opening bracket '{' expected
 camera { target| Unkown parameter in camera structure
 camera { samples 0| camera samples must be greater than 0
@@ -59,10 +63,14 @@ settings { aa_type "corners"| invalid anti-aliasing type specified
 settings { output_name "a"~}| error in settings structure declaration
 surface { include| Unkown parameter in surface structure
 declare "a" color 0 0 -1 surface { color #a| invalid color component(s)
+surface { color 1.001 0 0| invalid color component(s)
+surface { color 1 -0.001 0| invalid color component(s)
 surface { reflection_type "blurred"| invalid reflection type specified
 light { direction| Unkown parameter in light structure
 light { light_type "sun"| invalid light type specified
 light { color 1 0 1| invalid color component(s)
+light { color 0 1 1| invalid color component(s)
+light { color 1 1 -1| invalid color component(s)
 light { radius 0| smooth light radius must be greater than 0
 light { attenuation_type "d3"| invalid light attenuation type specified
 light { shadow_type "soft"| invalid shadow type specified
@@ -94,17 +102,18 @@ TEST_F(BlocksTest, Faults)
 TEST_F(BlocksTest, ObjectsKeepWhatTheirBlocksSay)
 {
     parse(R"(sphere { radius 2 center <1 2 3> } declare "a" color 9 9 9 declare "a" color 0.5 0.25 1
+        declare "b" color 1 1 1
         surface { color #a ambient 1 diffuse 2 brilliance 3 specular 4 roughness 5 reflection 6 refraction 9
         reflection_type "fuzzy" reflection_samples 7.5 reflection_radius 8 refraction_index 10 }
         plane { distance 2 normal <0 0 4> }
         ring { internal_radius 2 external_radius 1 normal <0 2 0> center <1 1 1> }
         disc { radius 3 normal <2 0 0> center <4 5 6> }
         cylinder { radius 1 cap <0 0 3> base <0 0 1> }
-        cone { base_radius 0 cap_radius 2 base <0 0 0> cap <4 0 0> }
+        cone { base_radius 0 cap_radius 2 base <0 0 0> cap <0 4 0> }
         surface { refraction_index 0.5 color 1 1 0 }
         patch { normal <0 0 1> normal <0 3 4> vertex <0 0 0> normal <3 0 4> vertex <1 0 0> vertex <0 1 0> })");
     EXPECT_EQ(printed([] { printList(myObjectList); }),
-              "patch\nCone: 0 0 0 0 4 0 0 2\nCone: 0 0 1 1 0 0 3 1\n"
+              "patch\nCone: 0 0 0 0 0 4 0 2\nCone: 0 0 1 1 0 0 3 1\n"
               "Ring: Nx = 1, Ny = 0, Nz = 0\n Cx = 4, Cy = 5, Cz = 6\n"
               "Ring: Nx = 0, Ny = 1, Nz = 0\n Cx = 1, Cy = 1, Cz = 1\n"
               "Plane: Nx = -0, Ny = -0, Nz = -1, D = 2\nSphere: Cx = 1, Cy = 2, Cz = 3, R = 2\n");
