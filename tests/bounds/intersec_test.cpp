@@ -4,6 +4,9 @@
 #include "bounds/packed.h"
 #include "bounds/slab.h"
 #include "bounds/walk.h"
+#include "core/settings.h"
+#include "engine/light.h"
+#include "engine/ray.h"
 #include "primitives/kinds.h"
 #include "support.h"
 
@@ -121,6 +124,11 @@ static const struct SceneKind {
      }},
     {"spheres in spheres", true, [] { makeSphere(O, 0.25 * (1 + below(16))); }},
     {"tubes in tubes", true, [] { makeCone(-4 * Z, 0.25 * (1 + below(16)), 4 * Z, 1); }},
+    {"a chain of nodes", true, // each sphere is farther away than all before it are wide
+     [] {
+         const double r = std::pow(1.3, static_cast<double>(nPrims));
+         makeSphere({9 * r, in(-r, r), in(-r, r)}, r);
+     }},
 };
 
 /// Fills the scene, up to its tree.
@@ -202,6 +210,73 @@ TEST_F(IntersectTest, RunsOverOnTheSameRays)
     }
     releasePackedTree();
     EXPECT_TRUE(ends > 5 && ends < 25) << ends;
+}
+
+TEST_F(IntersectTest, TheLeastQueueThatHoldsARayIsTheSameForBothWalks)
+{
+    for (const int kind : {0, 1, 7, 9}) {
+        SCOPED_TRACE(kinds[kind].name);
+        addObjects(kinds[kind], 120);
+        packTree();
+        const Ray ray = randomRay();
+        const auto status = [&](int size, auto walk) {
+            iPQSize = size;
+            return inChild([&] {
+                       Hit hit;
+                       walk(&ray, NO_LIMIT, &hit, nullptr);
+                   })
+                .status;
+        };
+        int least = 2;
+        while (status(least, intersectByHeap) != 0)
+            ++least;
+        for (isWideWalk = false;; isWideWalk = true) {
+            EXPECT_EQ(status(least, intersect), 0);
+            EXPECT_EQ(status(least - 1, intersect), 1);
+            if (isWideWalk == isWide)
+                break;
+        }
+        releasePackedTree();
+    }
+}
+
+/// The scenes of the gallery: a walk that leaves much to the heap gives the same pictures, but slowly.
+TEST_F(IntersectTest, TheWalkAnswersNineOfTenRaysOfTheGallery)
+{
+    const Folder folder;
+    const std::string examples = VARLO_SOURCE_DIR "/examples";
+    std::filesystem::copy(examples, folder.path, std::filesystem::copy_options::recursive);
+    ASSERT_EQ(system((examples + "/generate " + folder.path + " 2>/dev/null").c_str()), 0);
+    std::filesystem::current_path(folder.path);
+    int rays = 0, answers = 0;
+    for (const auto& file : std::filesystem::directory_iterator(".")) {
+        if (file.path().extension() != ".vlo")
+            continue;
+        resetScene();
+        printed([&] { parseFile(file.path().c_str()); });
+        buildBoundingSlabs();
+        packTree();
+        screenInit();
+        Ray ray;
+        startRay(&ray);
+        const auto count = [&](Answer answer) { ++rays, answers += answer != Answer::UNSURE; };
+        for (int i = 0; i < 32 * 24 && packedRoot != 0; ++i) {
+            initRay((i % 32 + 0.5) * myDisplay.width / 32, (i / 32 + 0.5) * myDisplay.height / 24, &ray);
+            const Object* nearest;
+            count(walkToNearest(ray, NO_LIMIT, nullptr, &nearest));
+            Hit hit{};
+            if (myLightList == nullptr || intersect(&ray, NO_LIMIT, &hit, nullptr) == 0)
+                continue;
+            Ray toLight;
+            const Vec point = ray.origin + hit.distance * ray.direction;
+            const double distance = makeLightRay(myLightList, point, &toLight);
+            count(walkToAny(toLight, distance, hit.object, &nearest));
+        }
+        releasePackedTree();
+    }
+    std::filesystem::current_path("/");
+    EXPECT_GT(rays, 30000);
+    EXPECT_GE(10 * answers, 9 * rays) << answers << " of " << rays;
 }
 
 TEST_F(IntersectTest, FewObjectsAndNoNumbers)

@@ -128,3 +128,74 @@ TEST_F(ShadeTest, WhatOneRayBrings)
     buildBoundingSlabs();
     expectTrace(1, -1, 0, 1, {0.4921875, 0.4921875, 0.4921875});
 }
+
+// The first random numbers are 0.840188 0.394383 0.783099, 0.798440 0.911647 0.197551, 0.335223 0.768230
+// 0.277775, 0.553970 0.477397 0.628871, 0.364784 0.513401 0.952230 0.916195. From them the directions below
+// are worked out by hand; in each stands a small sphere, which only that sample meets.
+
+/// A red sphere that needs no light.
+static void putMark(Vec center, double radius = 0.02)
+{
+    paint(makeSphere(center, radius), {.color = {1, 0, 0}, .ambient = 1});
+}
+
+TEST_F(ShadeTest, EachSampleOfTheLensGoesWhereItsNumbersSay)
+{
+    // Four numbers a sample: a distance to the right, which is to the left if the second is above 0.5, and one
+    // downwards or up. A tenth of the way to the focus nine tenths of the offset are left.
+    const Vec marks[] = {{0.840188 * 0.9, 1, 0.783099 * 0.9},
+                         {0.911647 * 0.9, 1, 0.335223 * 0.9},
+                         {-0.277775 * 0.9, 1, 0.477397 * 0.9},
+                         {-0.364784 * 0.9, 1, 0.952230 * 0.9}};
+    for (const Vec& mark : marks) {
+        resetScene();
+        myViewPoint.position = {0, 0, 0};
+        myViewPoint.lookAt = {0, 1, 0};
+        myViewPoint.up = {0, 0, 1};
+        myViewPoint.aperture = 1;
+        myViewPoint.focalLength = 10;
+        myViewPoint.samples = 4;
+        screenInit();
+        putMark(mark);
+        startRandom(0, 1);
+        const Ray ray = {{0, 0, 0}, {0, 1, 0}};
+        Color color;
+        int level = 0;
+        shoot(&ray, &color, &level);
+        expectColor(color, {0.25, 0, 0});
+    }
+}
+
+TEST_F(ShadeTest, EachSampleOfASoftShadowGoesWhereItsNumbersSay)
+{
+    // 10 below a light of radius 1: a tenth of the unit jitter vectors is added to the direction.
+    const Vec marks[] = {{-0.39863, 0.12376, 5}, {-0.23996, -0.33099, 5}};
+    for (const Vec& mark : marks) {
+        resetScene();
+        makeLight({0, 0, 10}, {1, 0.5, 0.25}, POINT_LIGHT, NO_ATTENUATION, SMOOTH_SHADOW, 1, 4, 0, 0, {});
+        putMark(mark);
+        startRandom(0, 1);
+        Ray ray;
+        const double distance = makeLightRay(myLightList, {0, 0, 0}, &ray);
+        expectColor(smoothShadow(myLightList, nullptr, &ray, distance), {0.75, 0.375, 0.1875});
+    }
+}
+
+TEST_F(ShadeTest, EachSampleOfAFuzzyMirrorGoesWhereItsNumbersSay)
+{
+    // Seen from 10 above, a radius of 1 is the same tenth.
+    const Vec marks[] = {{-0.39863, 0.12376, 5}, {-0.23996, -0.33099, 5}};
+    for (const Vec& mark : marks) {
+        resetScene();
+        Object mirror{};
+        paint(&mirror, {.reflection = 1, .reflectionType = 1, .reflectionSamples = 4, .reflectionRadius = 1});
+        putMark(mark);
+        startRandom(0, 1);
+        const Ray ray = {{0, 0, 10}, {0, 0, -1}};
+        const Hit hit = {.distance = 10, .entering = 1, .object = &mirror, .hitNormal = {}};
+        Color color;
+        int level = 0;
+        shade(&mirror, &ray, {0, 0, 1}, {0, 0, 0}, &color, &level, &hit);
+        expectColor(color, {0.25, 0, 0});
+    }
+}
