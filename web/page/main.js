@@ -130,6 +130,7 @@ async function pass(options, label, full) {
   );
 }
 
+let shownLink = ""; // the address's part that the page has taken in
 let timer;
 let pictureNumber = 0;
 
@@ -258,6 +259,9 @@ function load(next, { options, id, dirty = false } = {}) {
 /** What has to happen after each change of the project. */
 function changed() {
   kept.dirty = true;
+  // The address names another scene now, and coming back to it must not bring that one.
+  if (location.hash) history.replaceState(null, "", location.pathname);
+  shownLink = "";
   halt("Waiting for the end of typing");
   showSizes();
   if (faults.length > 0) showFaults([]);
@@ -389,8 +393,6 @@ addEventListener("drop", (event) => {
 }, true);
 
 // ---- the beginning ----
-
-let shownLink;
 
 /** The scene that the address names, as `#gallery/endgame` or packed; or undefined. */
 async function fromLink() {

@@ -4,6 +4,10 @@
 /** How the program's text reaches a reader: bytes are characters, and the marks of its bar are full blocks. */
 const toText = (byte) => (byte === 0xb1 ? "▒" : String.fromCharCode(byte));
 
+// Leaves the program from wherever it ended. What emscripten throws itself does not get out of a wait for a thread, when
+// it was that thread that ended the program.
+const ENDED = Symbol("the program ended");
+
 /**
  * Runs the program once.
  *
@@ -36,8 +40,8 @@ export async function runVarlo(create, module, { args, files, script }, page) {
     picture: (address, width, height) => page.picture?.(memory ?? varlo.wasmMemory, address, width, height),
     row: (address, y) => page.row?.(memory ?? varlo.wasmMemory, address, y),
     onExit: (code) => (status = code & 0xff),
-    quit: (code, thrown) => {
-      throw thrown;
+    quit: () => {
+      throw ENDED;
     },
   });
   varlo.FS.mkdir("/run");
@@ -46,7 +50,7 @@ export async function runVarlo(create, module, { args, files, script }, page) {
   try {
     varlo.callMain(args);
   } catch (thrown) {
-    if (thrown?.name !== "ExitStatus") throw thrown;
+    if (thrown !== ENDED) throw thrown;
   }
   const names = varlo.FS.readdir("/run").filter((name) => !/^\.\.?$/.test(name));
   return { status, files: Object.fromEntries(names.map((name) => [name, varlo.FS.readFile(name)])) };

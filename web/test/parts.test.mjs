@@ -48,6 +48,25 @@ test("a fault has its place in the file that holds it", async () => {
   }
 });
 
+test("a run that ends in a thread ends", async () => {
+  // Slivers whose bounds overlap: a ray meets more of them than the queue holds.
+  const sliver = (i) => {
+    const [x, y, z] = [1, 2, 3].map((axis) => 10 * Math.sin(i * axis));
+    return `triangle { vertex <${x} ${y} ${z}> vertex <${-x} ${-y} ${-z}> vertex <${0.01 - x} ${-y} ${0.01 - z}> }`;
+  };
+  const slivers = Array.from({ length: 3000 }, (_, i) => sliver(i + 1)).join("\n");
+  const view = 'settings { output_type "png" output_name "x" } camera { position <0.3 -80 0.2> look_at <0 0 0> fov 10 }';
+  for (const build of ["wasm", "wasm-threads"]) {
+    let output = "";
+    const varlo = await loadVarlo(join(root, "build", build));
+    const files = { "a.vlo": `${view}\n${RED}\n${slivers}` };
+    const { status } = await varlo({ args: ["-i", "a.vlo", "-ppm", "-pqs", "101"], files, print: (text) => (output += text) });
+    assert.equal(status, 1);
+    const { message } = faultsIn(output, status, "a.vlo", within(files)).find(({ message }) => !/Warning/.test(message));
+    assert.match(message, /^VARLO is out of space/);
+  }
+});
+
 test("a file that includes itself ends", () => {
   const files = { "a.vlo": 'include "a.vlo"\n' };
   const output = "\n Parsing a.vlo\n Scene file: a.vlo could no be opened\n";
