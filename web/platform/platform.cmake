@@ -8,7 +8,9 @@ foreach(library IN ITEMS png jpg tiff)
 endforeach()
 set(VARLO_PLATFORM_SOURCES ${platform}/pictures.cpp)
 
-add_compile_options(-msimd128 -include ${platform}/library.h)
+# What every browser with vectors has besides; across sources, since a ray crosses many of them.
+add_compile_options(-msimd128 -mnontrapping-fptoint -mbulk-memory -flto -include ${platform}/library.h)
+add_link_options(-flto)
 # One instance of the module is one run of the program, in a worker; the page says when and with which files.
 add_link_options(
     -sMODULARIZE=1 -sEXPORT_NAME=createVarlo -sINVOKE_RUN=0 -sEXIT_RUNTIME=1
