@@ -5,7 +5,7 @@
 // VARLO renders the small pictures of the scenes. PAGES is the folder of the site; the manual is in PAGES/manual.
 import { execFileSync } from "node:child_process";
 import { appendFileSync, cpSync, existsSync, mkdirSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
-import { join, resolve } from "node:path";
+import { dirname, join, resolve } from "node:path";
 import { fileURLToPath } from "node:url";
 import * as esbuild from "esbuild";
 import { readScene } from "./node.mjs";
@@ -17,6 +17,9 @@ const [varlo, pages] = process.argv.slice(2).map((path) => resolve(path));
 const root = fileURLToPath(new URL("..", import.meta.url));
 const page = join(root, "web/page");
 const run = (command, args, options) => execFileSync(command, args, { stdio: ["ignore", "pipe", "inherit"], ...options });
+
+// Some scenes stand around models in other formats.
+const importer = join(dirname(varlo), "tools/import/varlo-import");
 
 // ---- the playground ----
 
@@ -55,8 +58,8 @@ function gatherScenes(folder, name) {
   for (const file of readdirSync(join(root, folder)))
     if (/\.(vlo|inc|set)$/.test(file)) cpSync(join(root, folder, file), join(target, file));
   run(join(root, "examples/generate_models"), [target]);
-  if (name === "gallery") return run(join(root, "examples/generate"), [target]);
-  const importer = join(root, "build/release/tools/import/varlo-import");
+  if (name === "gallery")
+    return run(join(root, "examples/generate"), [target], { env: { ...process.env, VARLO_IMPORT: importer } });
   const place = ["--geometry", "--size", "3", "--turn", "0", "0", "30", "-o", join(target, "robot.inc")];
   return run(importer, [...place, join(root, folder, "robot.gltf")]);
 }

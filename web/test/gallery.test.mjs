@@ -13,6 +13,8 @@ const root = fileURLToPath(new URL("../..", import.meta.url));
 const checksums = new Map(
   readFileSync(join(root, "tests/gallery/checksums"), "utf8").trim().split("\n").map((row) => row.split("  ").reverse()),
 );
+const script = readFileSync(join(root, "tests/gallery/checksums_test.sh"), "utf8");
+const size = /-r (\d+) (\d+)/.exec(script).slice(1); // of the pictures that the checksums are of
 const folder = mkdtempSync(join(tmpdir(), "varlo-"));
 after(() => rmSync(folder, { recursive: true }));
 cpSync(join(root, "examples"), folder, { recursive: true });
@@ -33,7 +35,7 @@ for (const [build, counts] of [["wasm", [2, 8]], ["wasm-threads", [4]]])
       for (const count of counts) {
         const name = scene.replace(/\.\w+$/, "");
         const how = scene.endsWith(".set") ? "-3ds" : "-i";
-        const args = [how, scene, "-o", name, "-ppm", "-r", "160", "120", "-t", String(count)];
+        const args = [how, scene, "-o", name, "-ppm", "-r", ...size, "-t", String(count)];
         const { status, files } = await varlo({ args, files: readScene(folder, scene) });
         const sum = status === 0 && createHash("sha256").update(files[`${name}.ppm`]).digest("hex");
         if (sum !== checksums.get(`${name}-${count}.ppm`)) different.push(`${name}-${count}`);
