@@ -68,13 +68,13 @@ void partWeights(unsigned part, Vec weights[3])
 // ---- writing ----
 
 // Corners come again in the faces around them, mostly soon: the text of each waits in a place that hangs on
-// where the corner is, until another one needs that.
+// where the corner is, until another one needs that. All places together are small enough for a near cache.
 struct CornerText {
     Vec corner, normal;
     unsigned length = 0; // 0: none
-    char text[2 * 3 * LONGEST_NUMBER];
+    char text[92];       // longer ones do not wait
 };
-static CornerText cornerTexts[1 << 13];
+static CornerText cornerTexts[1 << 12];
 
 static size_t slotOf(const Vec& corner)
 {
@@ -94,16 +94,22 @@ static void putCorner(const Vec& corner, const Vec& normal, bool flat)
     constexpr int NORMAL_DECIMALS = 4; // a hundredth of a degree
     const auto equal = [](const Vec& a, const Vec& b) { return a.x == b.x && a.y == b.y && a.z == b.z; };
     CornerText& slot = cornerTexts[slotOf(corner)];
-    if (slot.length == 0 || !equal(slot.corner, corner) || !equal(slot.normal, normal)) {
-        char* out = append(slot.text, " vertex ");
-        out = formatVector(out, corner, pointDecimals);
-        if (!flat)
-            out = formatVector(append(out, " normal "), normal, NORMAL_DECIMALS);
-        slot.corner = corner;
-        slot.normal = normal;
-        slot.length = static_cast<unsigned>(out - slot.text);
-    }
-    put(std::string_view(slot.text, slot.length));
+    if (slot.length != 0 && equal(slot.corner, corner) && equal(slot.normal, normal))
+        return put(std::string_view(slot.text, slot.length));
+
+    char text[8 * LONGEST_NUMBER];
+    char* end = formatVector(append(text, " vertex "), corner, pointDecimals);
+    if (!flat)
+        end = formatVector(append(end, " normal "), normal, NORMAL_DECIMALS);
+    const std::string_view whole(text, end);
+    put(whole);
+    slot.length = 0;
+    if (whole.size() > sizeof slot.text)
+        return;
+    slot.corner = corner;
+    slot.normal = normal;
+    slot.length = static_cast<unsigned>(whole.size());
+    append(slot.text, whole);
 }
 
 void putFace(const Face& face, unsigned part, bool flat)

@@ -4,11 +4,12 @@
 #include "output.h"
 
 #include <algorithm>
+#include <tuple>
 
 constexpr float LEAST_COLOUR = 0.001f; // the language has no light of 0
 constexpr double FAR =
     1000.0; // distance of a sun and of the lights that are added, in diagonals of the model
-constexpr size_t MOST_PROBES = 100000; // vertices at which the light is measured
+constexpr size_t MOST_PROBES = 50000; // faces on which the light is measured
 
 // ---- the lights of the file ----
 
@@ -105,26 +106,69 @@ static Colour lightAt(const Light& light, const Vec& point)
     return colour * static_cast<float>(share);
 }
 
-/// The brightest sum of all lights on any vertex, or on an even sample of the vertices.
+/// The point of the triangle that is nearest to `p`: C. Ericson, "Real-Time Collision Detection",
+/// 2005, 5.1.5.
+static Vec nearestPoint(const Vec corners[3], const Vec& p)
+{
+    const auto [a, b, c] = std::tie(corners[0], corners[1], corners[2]);
+    const Vec ab = b - a, ac = c - a;
+    const double d1 = ab * (p - a), d2 = ac * (p - a), d3 = ab * (p - b), d4 = ac * (p - b);
+    const double d5 = ab * (p - c), d6 = ac * (p - c);
+    const double va = d3 * d6 - d5 * d4, vb = d5 * d2 - d1 * d6, vc = d1 * d4 - d3 * d2;
+    if (d1 <= 0.0 && d2 <= 0.0)
+        return a;
+    if (d3 >= 0.0 && d4 <= d3)
+        return b;
+    if (d6 >= 0.0 && d5 <= d6)
+        return c;
+    if (vc <= 0.0 && d1 >= 0.0 && d3 <= 0.0)
+        return a + ab * (d1 / (d1 - d3));
+    if (vb <= 0.0 && d2 >= 0.0 && d6 <= 0.0)
+        return a + ac * (d2 / (d2 - d6));
+    if (va <= 0.0 && d4 >= d3 && d5 >= d6)
+        return b + (c - b) * ((d4 - d3) / ((d4 - d3) + (d5 - d6)));
+    return a + ab * (vb / (va + vb + vc)) + ac * (vc / (va + vb + vc));
+}
+
+static double sumAt(const std::vector<Light>& lights, const Vec& point)
+{
+    Colour sum;
+    for (const Light& light : lights)
+        sum = sum + lightAt(light, point);
+    return brightest(sum);
+}
+
+/// The brightest place of a face, of those that are likely: the corners, what is nearest to each light, and
+/// where the axis of a spot meets it.
+static double brightestOf(const Vec corners[3], const std::vector<Light>& lights)
+{
+    double most = 0.0;
+    for (int k = 0; k < 3; ++k)
+        most = std::max(most, sumAt(lights, corners[k]));
+    const Vec normal = (corners[1] - corners[0]) ^ (corners[2] - corners[0]);
+    for (const Light& light : lights) {
+        most = std::max(most, sumAt(lights, nearestPoint(corners, light.position)));
+        const Vec axis = light.target - light.position;
+        const double along = light.spot ? (corners[0] - light.position) * normal / (axis * normal) : 0.0;
+        if (along > 0.0 && std::isfinite(along))
+            most = std::max(most, sumAt(lights, nearestPoint(corners, light.position + axis * along)));
+    }
+    return most;
+}
+
+/// The brightest sum of all lights on any face, or on an even sample of the faces.
 static double exposure(const std::vector<Light>& lights, const Model& model)
 {
-    size_t vertices = 0;
-    for (const Instance& instance : model.instances)
-        vertices += instance.mesh->mNumVertices;
-    const size_t step = vertices / MOST_PROBES + 1;
+    const size_t step = model.triangles / MOST_PROBES + 1;
     double most = 0.0;
     size_t next = 0;
     for (const Instance& instance : model.instances) {
-        for (; next < instance.mesh->mNumVertices; next += step) {
-            const Vec point = instance.place * widen(instance.mesh->mVertices[next]);
-            if (!isFinite(point))
-                continue;
-            Colour sum;
-            for (const Light& light : lights)
-                sum = sum + lightAt(light, point);
-            most = std::max(most, brightest(sum));
+        for (; next < instance.mesh->mNumFaces; next += step) {
+            Vec corners[3];
+            if (faceCorners(instance, instance.mesh->mFaces[next], corners) == FACE_GOOD)
+                most = std::max(most, brightestOf(corners, lights));
         }
-        next -= instance.mesh->mNumVertices;
+        next -= instance.mesh->mNumFaces;
     }
     return most;
 }

@@ -37,9 +37,9 @@ static float angleAt(const aiMesh& mesh, const aiFace& face, unsigned k)
 
 // ---- points ----
 
-// Finds equal places: a table of open addresses, of the numbers of points; 0 is free.
+// Finds equal places: a table of open addresses, at most half full, of the numbers of points; 0 is free.
 struct PointTable {
-    std::vector<unsigned> slots;
+    std::vector<unsigned> slots = std::vector<unsigned>(1024);
     std::vector<const aiVector3D*> places; // of each point
 };
 
@@ -51,36 +51,62 @@ static size_t hashOf(const aiVector3D& v)
     return hash >> 20;
 }
 
-static unsigned pointAt(PointTable& table, const aiVector3D& v)
+/// The slot of the point at `v`, or the free one that it would take.
+static unsigned& slotAt(PointTable& table, const aiVector3D& v)
 {
     const size_t mask = table.slots.size() - 1;
-    for (size_t i = hashOf(v) & mask;; i = (i + 1) & mask) {
-        if (table.slots[i] == 0) {
-            table.places.push_back(&v);
-            table.slots[i] = static_cast<unsigned>(table.places.size());
-        } else if (const aiVector3D& p = *table.places[table.slots[i] - 1];
-                   !(p.x == v.x && p.y == v.y && p.z == v.z)) {
-            continue;
-        }
-        return table.slots[i] - 1;
+    for (size_t i = hashOf(v) & mask;; i = (i + 1) & mask)
+        if (table.slots[i] == 0 || *table.places[table.slots[i] - 1] == v)
+            return table.slots[i];
+}
+
+static unsigned pointAt(PointTable& table, const aiVector3D& given)
+{
+    // What is no number equals nothing and would fill the table; its faces count nowhere, so any point does.
+    static const aiVector3D origin;
+    const aiVector3D& v = given == given ? given : origin;
+    unsigned& slot = slotAt(table, v);
+    if (slot != 0)
+        return slot - 1;
+    table.places.push_back(&v);
+    const auto count = static_cast<unsigned>(table.places.size());
+    slot = count;
+    if (count * size_t{2} > table.slots.size()) {
+        table.slots.assign(table.slots.size() * 2, 0);
+        for (unsigned i = 0; i < count; ++i)
+            slotAt(table, *table.places[i]) = i + 1;
     }
+    return count - 1;
 }
 
 // ---- groups ----
+
+/// Where all faces lie within half of the angle of their mean, each two lie within the angle, so that all
+/// corners there have one normal. That is most of a smooth mesh, and saves each corner the sum.
+static void findSmoothPoints(SmoothGroup& group)
+{
+    const double half = std::cos(std::acos(std::clamp(group.cosine, -1.0, 1.0)) / 2.0);
+    group.smooth.resize(group.first.size() - 1);
+    for (size_t point = 0; point < group.smooth.size(); ++point) {
+        const size_t begin = group.first[point], end = group.first[point + 1];
+        aiVector3D sum;
+        for (size_t i = begin; i < end; ++i)
+            sum += group.facets[group.meetings[i].facet] * group.meetings[i].angle;
+        const double least = half * static_cast<double>(sum.Length());
+        bool agree = end > begin && least > 0.0;
+        for (size_t i = begin; i < end && agree; ++i)
+            agree = static_cast<double>(sum * group.facets[group.meetings[i].facet]) >= least;
+        if (agree)
+            group.smooth[point] = sum;
+    }
+}
 
 void makeGroup(SmoothGroup& group, double degrees, const std::vector<const aiMesh*>& meshes,
                const std::vector<MeshPart*>& parts)
 {
     group.cosine = std::cos(degrees * PI / 180.0) - 1e-4; // an edge of just this angle is smoothed
 
-    size_t vertices = 0, faces = 0;
-    for (const aiMesh* mesh : meshes) {
-        vertices += mesh->mNumVertices;
-        faces += mesh->mNumFaces;
-    }
     PointTable table;
-    table.slots.resize(std::bit_ceil(2 * vertices + 1));
-    group.facets.reserve(faces);
     for (size_t m = 0; m < meshes.size(); ++m) {
         const aiMesh& mesh = *meshes[m];
         parts[m]->group = &group;
@@ -112,13 +138,16 @@ void makeGroup(SmoothGroup& group, double degrees, const std::vector<const aiMes
     eachCorner([&](unsigned point, unsigned facet, const aiMesh& mesh, const aiFace& face, unsigned k) {
         group.meetings[--group.first[point]] = {facet, angleAt(mesh, face, k)};
     });
+    findSmoothPoints(group);
 }
 
 Vec smoothNormal(const MeshPart& part, const aiFace& faceRecord, unsigned face, int k)
 {
     const SmoothGroup& group = *part.group;
-    const Vec own = widen(group.facets[part.firstFacet + face]);
     const unsigned point = part.points[faceRecord.mIndices[k]];
+    if (const aiVector3D& smooth = group.smooth[point]; smooth.SquareLength() > 0.0f)
+        return widen(smooth);
+    const Vec own = widen(group.facets[part.firstFacet + face]);
     const size_t begin = group.first[point], end = group.first[point + 1];
     Vec sum;
     for (size_t i = begin; i < end; i += (end - begin) / HUB + 1) {

@@ -18,6 +18,8 @@ struct SmoothGroup {
     std::vector<aiVector3D> facets; // the normal of each face, in the frame of its mesh; zero without area
     std::vector<unsigned> first;    // of each point its place in `meetings`; one more at the end
     std::vector<Meeting> meetings;
+    std::vector<aiVector3D>
+        smooth; // of each point the normal that all of its corners have; zero if they differ
 };
 
 /// The part of one mesh in its group.

@@ -100,8 +100,11 @@ void putList(const Options& options, const Model& model)
            model.triangles, "\n");
     putNumbered("meshes", scene.mNumMeshes, [&](unsigned i) {
         const aiMesh& mesh = *scene.mMeshes[i];
+        const auto times = std::count_if(model.instances.begin(), model.instances.end(),
+                                         [&](const Instance& instance) { return instance.mesh == &mesh; });
         putAll(shown(mesh.mName), ", ", size_t{mesh.mNumFaces}, " faces, material ",
-               size_t{mesh.mMaterialIndex});
+               size_t{mesh.mMaterialIndex}, ", shown ", static_cast<size_t>(times),
+               times == 1 ? " time" : " times");
     });
     putNumbered("materials", scene.mNumMaterials, [&](unsigned i) {
         const Surface surface = surfaceOf(*scene.mMaterials[i], model.format);

@@ -144,3 +144,21 @@ TEST_F(ViewTest, camerasLightsAndBonesOfTheFile)
     EXPECT_NE(import("--camera 7 rig.gltf").err.find("no camera 7"), std::string::npos);
     EXPECT_EQ(vectors(scene("--view top rig.gltf").camera, "up").at(0), Vec(0, 1, 0));
 }
+
+TEST_F(ViewTest, aLampOverTheMiddleOfAFaceIsNotTooBright)
+{
+    // A COLLADA scene would do as well; the lamp of the rig, brought close to one large triangle without
+    // bones.
+    std::string text = rig();
+    const auto replace = [&](const std::string& from, const std::string& to) {
+        text.replace(text.find(from), from.size(), to);
+    };
+    replace("\"mesh\":0,\"skin\":0,\"translation\":[50,0,0]",
+            "\"mesh\":0,\"scale\":[100,100,100],\"translation\":[-30,-30,0]");
+    replace("\"translation\":[0,2,10]", "\"translation\":[0,2,1]");
+    write("lamp.gltf", text);
+    const Scene found = scene("--keep-size --view front lamp.gltf");
+    const std::string& lamp = found.lights.at(0);
+    EXPECT_LT(numbers(lamp, "color").x, 1.01); // the triangle is at the distance 1
+    EXPECT_GT(numbers(lamp, "color").x, 0.7);
+}
