@@ -64,7 +64,7 @@ class Rendering(unittest.TestCase):
 
     def test_values(self) -> None:
         faulty: list[dict[str, Any]] = [{"width": 0}, {"height": -1}, {"antialias": "best"}, {"threads": 3},
-                                        {"queue": 99}, {"path": "a.gif"}, {"path": "none/a.png"}]
+                                        {"queue": 99}, {"path": "a.gif"}]
         for words in faulty:
             with self.subTest(words), self.assertRaisesRegex(varlo.SceneError, f"render: {next(iter(words))} = "):
                 self.scene.render(**dict({"path": "a.png"}, **words))

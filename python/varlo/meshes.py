@@ -122,7 +122,7 @@ def _given(normals: Iterable[Any], triangles: Any, vertices: int) -> Any:
 def numbers_of(statement: str, which: Iterable[SupportsIndex] | None, surfaces: Sequence[surface], source: Any) -> Any:
     """The number of its surface for each object, from those of the faces that the objects come from."""
     np = numpy()
-    numbers = [] if which is None else [number.__index__() for number in which]
+    numbers = [] if which is None else [int(number) for number in which]
     faces = int(source[-1]) + 1 if len(source) else 0
     if len(numbers) != faces:
         raise SceneError(statement, "which", which, f"the number of a surface for each of {faces}")

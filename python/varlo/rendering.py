@@ -65,12 +65,11 @@ def render(write: Callable[[Path], Writer], path: Path, arguments: list[str], bi
     Nothing is left behind but the picture, however the run ends. Raises `Fault` with the line of Python that made
     the statement at fault, or with the place in an included file.
     """
-    option, ending = FORMATS[format_of(path)]
-    if not path.parent.is_dir():
-        raise SceneError("render", "path", str(path), "its folder is not there")
     with tempfile.TemporaryDirectory(prefix="varlo-") as folder:
         scene = Path(folder, "scene.vlo")
         writer = write(scene)
+        kind = format_of(path)
+        option, ending = FORMATS[kind]
         with shown(progress) as report:
             done = run(["-i", str(scene), "-o", str(Path(folder, "picture")), option, *arguments],
                        binary=find_binary(binary), progress=report)

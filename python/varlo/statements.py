@@ -7,6 +7,7 @@ z is up unless the camera says otherwise.
 
 from __future__ import annotations
 
+import copy
 from collections.abc import Iterator
 from typing import TYPE_CHECKING, ClassVar
 
@@ -48,11 +49,10 @@ class Statement:
     def __repr__(self) -> str:
         return self.text()
 
-    def _again(self, **changes: object) -> Self:
-        """The same from the same line with words changed, checked once more: rounding can bring points together."""
-        words = [name for kind in type(self).__mro__ for name in getattr(kind, "__slots__", ()) if name != "place"]
-        other = type(self)(**{name: getattr(self, name) for name in words} | changes)
-        other.place = self.place
+    def _copy(self, **changes: object) -> Self:
+        other = copy.copy(self)
+        for name, value in changes.items():
+            setattr(other, name, value)
         return other
 
     def _color(self, argument: str, value: ColorLike) -> Color | str:

@@ -96,9 +96,10 @@ class Writer:
                 self.add(part, transform)
             self._wanted = outer
         else:
-            parts = item() if callable(item) else item
-            if not isinstance(parts, Iterable):
-                raise SceneError("scene", "", None, f"neither a statement nor a mesh nor a group: {parts!r}")
+            try:
+                parts = iter(item() if callable(item) else item)
+            except TypeError:
+                raise SceneError("scene", "", None, f"neither a statement nor a mesh nor a group: {item!r}") from None
             for part in parts:
                 self.add(part, transform)
 
@@ -151,9 +152,8 @@ class Writer:
         if wanted is not None:
             self._check_colors(wanted)
             self.words.add("surface")
-            text = wanted.text()
-            if self._written is None or text != self._written.text() or "#" in text:  # a name may have a new colour
-                self._line(text, wanted.place)
+            if self._written is None or wanted.text() != self._written.text():
+                self._line(wanted.text(), wanted.place)
             self._written = wanted
 
     def _check_colors(self, statement: Statement) -> None:
