@@ -30,8 +30,8 @@ def house(chance: random.Random, x: float, y: float, wide: float, deep: float, t
             dark = chance.random() < 0.12  # a whole floor that has gone home
             # The wall to the avenue, and the one to the eye.
             side = x - math.copysign(w / 2 + 0.01, x)
-            panes = [(side, y - d / 2 + 0.18 + at * 0.36, 0, 0.2) for at in range(int((d - 0.3) / 0.36))]
-            panes += [(x - w / 2 + 0.18 + at * 0.36, y - d / 2 - 0.01, 0.2, 0) for at in range(int((w - 0.3) / 0.36))]
+            panes = [(side, y - d / 2 + 0.18 + at * 0.36, 0.0, 0.2) for at in range(int((d - 0.3) / 0.36))]
+            panes += [(x - w / 2 + 0.18 + at * 0.36, y - d / 2 - 0.01, 0.2, 0.0) for at in range(int((w - 0.3) / 0.36))]
             for u, v, across, along in panes:
                 if dark or chance.random() > lit:
                     continue

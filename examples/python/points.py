@@ -54,7 +54,7 @@ def build() -> varlo.Scene:
         while number:
             lean = chance.gauss(0, 1)
             place = middle + Vec(*(part * (0.8 * chance.gauss(0, 1) + 0.6 * lean) for part in spread))
-            if max(map(abs, place)) < HALF - 0.1:
+            if max(abs(part) for part in place) < HALF - 0.1:
                 balls.add(varlo.sphere(center=place, radius=0.075))
                 number -= 1
         scene.add(balls)

@@ -5,6 +5,7 @@ Needs NumPy. The heights are noise whose waves are the weaker the shorter they a
 
 import random
 import sys
+from typing import Any
 
 import numpy as np
 import varlo
@@ -15,7 +16,7 @@ HAZE = 0.0055
 AIR = (0.86, 0.83, 0.80)
 
 
-def noise(seed: int, fall: float, size: float) -> np.ndarray:
+def noise(seed: int, fall: float, size: float) -> Any:
     """Noise with a mean of 0 and a spread of 1; waves longer than `size`, in lengths, are cut off."""
     chance = np.random.default_rng(seed)
     x = np.fft.fftfreq(2 * WIDE, (X[1] - X[0]) / WIDE)
