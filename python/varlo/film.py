@@ -1,6 +1,7 @@
 """varlo-film: frames from one template, on one machine or on many, and a film of them."""
 
 import argparse
+import hashlib
 import os
 import shlex
 import shutil
@@ -86,7 +87,8 @@ def tool(name: str, is_remote: bool = False) -> list[str]:
 
 
 def parallel_command(frames: Frames, options: argparse.Namespace, threads: int, resume: bool) -> list[str]:
-    job = [*tool("render", bool(options.sshlogin)), *frames.options, "--quiet"]
+    render = shlex.join([*tool("render", bool(options.sshlogin)), *frames.options, "--quiet"])
+    job = f"{render} {{}}.vlo -o {{}}{frames.suffix} 2>&1"
     command = ["parallel", "--plain", "--will-cite", "--arg-file", "todo", "--joblog", "joblog", "--results", "logs/{}",
                "--jobs"]
     if options.sshlogin:
@@ -96,19 +98,21 @@ def parallel_command(frames: Frames, options: argparse.Namespace, threads: int, 
                     "--return", f"{{}}{frames.suffix}"]
         for name in frames.included:
             command += ["--basefile", name]
-        command += ["--jobs", str(options.jobs or f"{100 // threads}%")]
+        # The folder below the home is for the others: nothing is carried to this machine.
+        job = f"[ \"$PARALLEL_SSHLOGIN\" != : ] || cd {shlex.quote(str(frames.folder.absolute()))}; {job}"
     else:
         command.append(str(options.jobs or max(1, len(os.sched_getaffinity(0)) // threads)))
     if resume:
         command.append("--resume-failed")
     if sys.stderr.isatty():
         command += ["--eta", "--bar"]
-    return [*command, f"{shlex.join(job)} {{}}.vlo -o {{}}{frames.suffix} 2>&1"]
+    return [*command, job]
 
 
 def remote_folder(frames: Frames) -> str:
     """Below the home of the other machine, and for this film alone."""
-    return f".cache/varlo-film/{os.uname().nodename}-{os.getpid()}-{frames.folder.name.replace(' ', '_')}"
+    folder = hashlib.sha256(os.fsencode(frames.folder.absolute())).hexdigest()[:16]
+    return f".cache/varlo-film/{os.uname().nodename}-{folder}"
 
 
 def resumable(folder: Path, missing: Sequence[str], command: str) -> bool:
