@@ -6,8 +6,9 @@
 struct Patch {
     Object head;
     Vec corner;     // corner 0
-    Vec normals[3]; // unit, all on the side to which inverse row 2 points
     Vec inverse[3]; // rows: weight of corner 1, weight of corner 2, unit face normal
+    Vec normals[3]; // unit, all on the side to which inverse row 2 points; no test reads them, so they are
+                    // last
 };
 
 extern const Operations patchOperations;
