@@ -17,7 +17,7 @@ namespace
 {
 /// A record of the list, and twice the centre of its bounds: that is only compared, so it is never halved.
 struct Placed {
-    double position[3];
+    double center2[3];
     Object* record;
 };
 
@@ -53,7 +53,7 @@ static void findAxis(const Run& run)
     double sums[3] = {};
     for (int i = 0; i < run.count; ++i)
         for (int axis = 0; axis < 3; ++axis) {
-            const double p = at(run, i)->position[axis];
+            const double p = at(run, i)->center2[axis];
             lowest[axis] = p < lowest[axis] ? p : lowest[axis];
             highest[axis] = p > highest[axis] ? p : highest[axis];
             sums[axis] += p;
@@ -78,7 +78,7 @@ static void split(const Run& run, Placed* place, Run* low, Run* high)
     Placed* next[2] = {place, place + run.count - 1};
     for (int i = run.count - 1; i >= 0; --i) {
         const Placed& each = *at(run, i);
-        const int isLow = each.position[Axis] < Median;
+        const int isLow = each.center2[Axis] < Median;
         *next[isLow] = each;
         next[isLow] += 1 - 2 * isLow;
     }
@@ -168,7 +168,7 @@ static void placeRecords(Placed* places, int count)
             fatal(message);
         }
         for (int axis = 0; axis < 3; ++axis)
-            places[i].position[axis] = record->boundsMax[axis] + record->boundsMin[axis];
+            places[i].center2[axis] = record->boundsMax[axis] + record->boundsMin[axis];
         places[i].record = record;
     }
 }

@@ -39,7 +39,7 @@ void showUsage()
     puts(" Send suggestions to:    the issue tracker of this project");
 }
 
-[[noreturn]] static void refuse()
+[[noreturn]] static void endWithUsage()
 {
     showUsage();
     exit(-1);
@@ -54,15 +54,6 @@ static void copyName(char* target, size_t size, const char* name)
     strcpy(target, name);
 }
 
-static void setThreads(int threads)
-{
-    numThreads = threads;
-    if (threads != 2 && threads != 4 && threads != 8) {
-        puts(" Invalid number of threads: defaulting to 2 threads");
-        numThreads = 2;
-    }
-}
-
 static void setQueueSize(int size)
 {
     iPQSize = size;
@@ -75,7 +66,7 @@ static void setQueueSize(int size)
 static void setAdaptive(int distance)
 {
     if (distance == 0)
-        refuse();
+        endWithUsage();
     iAntialias = AA_ADAPTIVE;
     adapt_dist = distance;
 }
@@ -86,8 +77,8 @@ static void setInput(const char* name)
 }
 
 static constexpr Option table[] = {
-    {.forms = {"-?", "--help"}, .flag = refuse},
-    {.forms = {"/?", "/?"}, .flag = refuse},
+    {.forms = {"-?", "--help"}, .flag = endWithUsage},
+    {.forms = {"/?", "/?"}, .flag = endWithUsage},
     {.forms = {"-o", "--output"},
      .name = [](const char* name) { copyName(myDisplay.outputName, sizeof myDisplay.outputName, name); }},
     {.forms = {"-i", "--input"}, .name = setInput, .isInput = true},
@@ -102,7 +93,7 @@ static constexpr Option table[] = {
          },
      .isInput = true},
     {.forms = {"-aaa", "--aaadaptive"}, .number = setAdaptive},
-    {.forms = {"-t", "--thread"}, .number = setThreads},
+    {.forms = {"-t", "--thread"}, .number = [](int value) { setThreads(value); }},
     {.forms = {"-pqs", "--pqsize"}, .number = setQueueSize},
     {.forms = {"-aaq", "--aaquick"}, .flag = [] { iAntialias = AA_QUICK; }},
     {.forms = {"-aan", "--aanone"}, .flag = [] { iAntialias = AA_NONE; }},
@@ -136,7 +127,7 @@ void parseArgs(int argc, char* argv[])
     // A value is whatever stands next, even if it looks like an option.
     const auto value = [&] {
         if (i >= argc)
-            refuse();
+            endWithUsage();
         return argv[i++];
     };
 
@@ -146,7 +137,7 @@ void parseArgs(int argc, char* argv[])
         const Option* option = findOption(argument);
         if (option == nullptr) {
             if (*argument == '-')
-                refuse();
+                endWithUsage();
             continue; // a bare word says nothing
         }
         if (option->flag != nullptr)
@@ -160,5 +151,5 @@ void parseArgs(int argc, char* argv[])
         hasInput = hasInput || option->isInput;
     }
     if (!hasInput)
-        refuse();
+        endWithUsage();
 }

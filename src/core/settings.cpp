@@ -4,6 +4,7 @@
 #include "core/surface.h"
 
 #include <algorithm>
+#include <cstdio>
 
 constinit ViewPoint myViewPoint{};
 constinit Display myDisplay{};
@@ -13,6 +14,16 @@ constinit int iAntialias{}, adapt_dist{}, jitter{}, iImageType{}, jpeg_quality{}
 constinit int bunching{}, iPQSize{}, numThreads{}, use3ds{}, iCameraIndex{};
 constinit Band iBounds[MAX_THREADS]{};
 constinit char inputFileName[INPUT_NAME_SIZE]{};
+
+bool setThreads(int threads)
+{
+    numThreads = threads;
+    if (threads == 2 || threads == 4 || threads == 8)
+        return true;
+    puts(" Invalid number of threads: defaulting to 2 threads");
+    numThreads = 2;
+    return false;
+}
 
 void setStartValues()
 {

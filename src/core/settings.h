@@ -61,6 +61,9 @@ extern int use3ds; // 1: the input is a 3DS settings file
 extern char inputFileName[INPUT_NAME_SIZE];
 extern int iCameraIndex; // which camera of a 3DS model
 
+/// Sets numThreads. Anything but 2, 4 or 8 becomes 2, with a line on standard output, and returns false.
+bool setThreads(int threads);
+
 /// Gives all of the above their start values, and the scene in `core/data.h` its own: empty lists, whose
 /// records stay where they are.
 void setStartValues();

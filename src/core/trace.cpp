@@ -15,11 +15,8 @@
 
 void initMTBounds(int threads)
 {
-    const bool isKnown = threads == 2 || threads == 4 || threads == 8;
-    if (!isKnown) {
-        puts(" Invalid number of threads: defaulting to 2 threads");
-        numThreads = threads = 2;
-    }
+    const bool isKnown = setThreads(threads);
+    threads = numThreads;
     const long height = myDisplay.height;
     if (height % threads != 0)
         puts(" Warning the height and the number of threads are incompatible.\n"

@@ -53,14 +53,14 @@ static Sampler startSampler(void* argument)
     return sampler;
 }
 
-static constexpr const char* NO_LINES = " Memory alloction failed.";
+static constexpr const char* LINE_FAULT = " Memory alloction failed."; // the plain sampler omits the blank
 
-/// A zeroed line of bytes, or null with the message.
+/// Zeroed bytes for a line, or null with the message.
 static unsigned char* newLine(size_t size, const char* message)
 {
     auto* line = static_cast<unsigned char*>(calloc(size, 1));
     if (line == nullptr)
-        printf("%s\n", message);
+        puts(message);
     return line;
 }
 
@@ -93,7 +93,7 @@ static void deliver(unsigned char* line, int row)
 void* scanNone(void* band)
 {
     Sampler s = startSampler(band);
-    unsigned char* line = newLine(3 * s.width, "Memory alloction failed.");
+    unsigned char* line = newLine(3 * s.width, LINE_FAULT + 1);
     if (line == nullptr)
         return nullptr;
     for (int row = s.band.first; row < s.band.end; ++row) {
@@ -117,7 +117,7 @@ void* scanCorners(void* band)
     if (s.band.first >= s.band.end)
         return nullptr;
     const size_t size = 3 * (s.width + 1);
-    unsigned char* lines = newLine(3 * size, NO_LINES);
+    unsigned char* lines = newLine(3 * size, LINE_FAULT);
     if (lines == nullptr)
         return nullptr;
     unsigned char* previous = lines;
@@ -201,8 +201,8 @@ void* scanAdaptive(void* band)
     // The carry line holds the bottom edges of the pixels in the row above: place a of column c at 4 * c + a,
     // so that neighbours share their corner.
     const size_t carrySize = (4 * s.width + 1) * sizeof(SampleCell);
-    unsigned char* output = newLine(3 * s.width, NO_LINES);
-    auto* carry = output == nullptr ? nullptr : reinterpret_cast<SampleCell*>(newLine(carrySize, NO_LINES));
+    unsigned char* output = newLine(3 * s.width, LINE_FAULT);
+    auto* carry = output == nullptr ? nullptr : reinterpret_cast<SampleCell*>(newLine(carrySize, LINE_FAULT));
     if (carry == nullptr) {
         free(output);
         return nullptr;

@@ -119,7 +119,7 @@ int parseScene(const char* fileName)
     return 0;
 }
 
-static int missing(const char* message)
+static int endIncomplete(const char* message)
 {
     fputs(message, stdout);
     return -1;
@@ -135,11 +135,11 @@ int parseFile(const char* fileName)
     parseScene(fileName);
 
     if (c == 0)
-        return missing(" Missing camera!");
+        return endIncomplete(" Missing camera!");
     if (s == 0)
-        return missing(" Missing settings!");
+        return endIncomplete(" Missing settings!");
     if (su == 0)
-        return missing(" Missing surface!");
+        return endIncomplete(" Missing surface!");
     if (l == 0)
         printf(" Warning: scene doesn't contain any light.");
 
