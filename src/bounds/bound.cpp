@@ -29,6 +29,9 @@ struct Run {
 };
 } // namespace
 
+// Runs of at most so many records have theirs fetched: as many as a small cache holds.
+static constexpr int FETCHED = 64;
+
 static constinit int total = 0;           // records in the list that the pass makes
 static constinit int Axis = 0;            // result of findAxis: 0, 1 or 2
 static constinit double Median = 0.0;     // result of findAxis: a mean position
@@ -132,6 +135,16 @@ static void wrap(const Run& run)
     ++iNumNodes;
 }
 
+/// Asks for the bounds of all records of `run`, which lie anywhere, before `wrap` needs them one by one.
+static void fetch(const Run& run)
+{
+    for (int i = 0; i < run.count; ++i) {
+        const Object* record = at(run, i)->record;
+        __builtin_prefetch(record, 1);
+        __builtin_prefetch(&record->type, 1);
+    }
+}
+
 /// Splits `run` until its pieces are small enough to be wrapped, and links those. `spare` has room for as
 /// many records, and where the run lies is room again as soon as it is split.
 static void sortAndSplit(const Run& run, Placed* spare)
@@ -144,6 +157,8 @@ static void sortAndSplit(const Run& run, Placed* spare)
         wrap(run);
         return;
     }
+    if (run.count <= FETCHED && run.count > FETCHED / 4)
+        fetch(run);
     findAxis(run);
     Run low, high;
     split(run, spare, &low, &high);

@@ -117,6 +117,13 @@ static PackedMember pack(const Object* node, Packing* packing)
         for (float& plane : packed->planes[row])
             plane = row < 3 ? INFINITE : -INFINITE;
     const Members members = gatherMembers(node);
+    // The records lie anywhere in memory: ask for those of all lanes before going down the first.
+    for (int lane = 0; lane < members.count; ++lane)
+        if (members.objects[lane]->type == BOUNDING_NODE) {
+            const Object* first = childrenOf(members.objects[lane]).first;
+            __builtin_prefetch(first);
+            __builtin_prefetch(&first->type);
+        }
     for (int lane = 0; lane < members.count; ++lane) {
         const Object* member = members.objects[lane];
         packBounds(member, packed, lane, packing);
