@@ -64,7 +64,7 @@ static unsigned pointAt(PointTable& table, const aiVector3D& given)
 {
     // What is no number equals nothing and would fill the table; its faces count nowhere, so any point does.
     static const aiVector3D origin;
-    const aiVector3D& v = given == given ? given : origin;
+    const aiVector3D& v = isFinite(widen(given)) ? given : origin;
     unsigned& slot = slotAt(table, v);
     if (slot != 0)
         return slot - 1;
