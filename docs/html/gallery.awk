@@ -19,8 +19,8 @@ function scene_page(k,    page, line, python, scene) {
     close(page)
 }
 /^# / {
-    print "# Gallery\n\nEvery picture comes from a small text file or program, which stands beside it when you follow it. They are" \
-        " free of any licence (CC0): take them, and make them yours.\n" >(out "/gallery.md")
+    print "# Gallery\n\nEvery picture comes from a small text file or program, which stands beside it when you follow" \
+        " it. They are free of any licence (CC0): take them, and make them yours.\n" >(out "/gallery.md")
 }
 /^## / { heading = $0 }
 /^\| \[/ {
