@@ -4,7 +4,16 @@
 //
 // VARLO renders the small pictures of the scenes. PAGES is the folder of the site; the manual is in PAGES/manual.
 import { execFileSync } from "node:child_process";
-import { appendFileSync, cpSync, existsSync, mkdirSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import {
+  appendFileSync,
+  cpSync,
+  existsSync,
+  mkdirSync,
+  readdirSync,
+  readFileSync,
+  rmSync,
+  writeFileSync,
+} from "node:fs";
 import { dirname, join, resolve } from "node:path";
 import { fileURLToPath } from "node:url";
 import * as esbuild from "esbuild";
@@ -16,7 +25,8 @@ import { readWords } from "./words.mjs";
 const [varlo, pages] = process.argv.slice(2).map((path) => resolve(path));
 const root = fileURLToPath(new URL("..", import.meta.url));
 const page = join(root, "web/page");
-const run = (command, args, options) => execFileSync(command, args, { stdio: ["ignore", "pipe", "inherit"], ...options });
+const run = (command, args, options) =>
+  execFileSync(command, args, { stdio: ["ignore", "pipe", "inherit"], ...options });
 
 // Some scenes stand around models in other formats.
 const importer = join(dirname(varlo), "tools/import/varlo-import");
@@ -27,19 +37,28 @@ const wordsOfTheManual = {
   name: "words",
   setup(build) {
     build.onResolve({ filter: /^virtual:words$/ }, ({ path }) => ({ path, namespace: "words" }));
-    build.onLoad({ filter: /.*/, namespace: "words" }, () => ({ contents: JSON.stringify(readWords()), loader: "json" }));
+    build.onLoad({ filter: /.*/, namespace: "words" }, () => ({
+      contents: JSON.stringify(readWords()),
+      loader: "json",
+    }));
   },
 };
 
 async function buildPlayground() {
   const options = { bundle: true, minify: true, outdir: pages, target: "es2022", logLevel: "warning" };
   await esbuild.build({
-    ...options, format: "esm", entryPoints: [join(page, "main.js")], plugins: [wordsOfTheManual],
+    ...options,
+    format: "esm",
+    entryPoints: [join(page, "main.js")],
+    plugins: [wordsOfTheManual],
   });
   await esbuild.build({ ...options, format: "iife", entryPoints: [join(page, "worker.js")] });
   await esbuild.build({ ...options, entryPoints: [join(page, "page.css")] });
   cpSync(join(page, "index.html"), join(pages, "index.html"));
-  for (const [build, folder] of [["wasm", "varlo"], ["wasm-threads", "varlo-threads"]]) {
+  for (const [build, folder] of [
+    ["wasm", "varlo"],
+    ["wasm-threads", "varlo-threads"],
+  ]) {
     mkdirSync(join(pages, folder), { recursive: true });
     for (const file of ["varlo.js", "varlo.wasm", "varlo.worker.js"]) {
       const from = join(root, "build", build, file);
@@ -66,7 +85,9 @@ function gatherScenes(folder, name) {
 
 /** Renders the picture of a scene for the lists, 240 pixels wide or high; returns its address in the site. */
 function renderSmall(folder, id, files) {
-  const size = sizeOf(files[0], (name) => (files.includes(name) ? readFileSync(join(folder, name), "utf8") : undefined));
+  const size = sizeOf(files[0], (name) =>
+    files.includes(name) ? readFileSync(join(folder, name), "utf8") : undefined,
+  );
   const [width, height] = size.map((pixels) => String(Math.round((pixels * 240) / Math.max(...size))));
   const how = files[0].endsWith(".set") ? "-3ds" : "-i";
   run(varlo, [how, files[0], "-r", width, height, "-jpg", "-o", stemOf(files[0])], { cwd: folder });
@@ -78,9 +99,10 @@ function galleryGroups() {
   const sections = readFileSync(join(root, "gallery/README.md"), "utf8").split(/^## /m).slice(1);
   const groups = sections.map((section) => ({
     title: section.slice(0, section.indexOf("\n")),
-    scenes: [...section.matchAll(/^\| \[\w+\]\(\.\.\/examples\/([\w.]+)\) \| (.*?) \|/gm)].map(
-      ([, file, idea]) => ({ file, idea }),
-    ),
+    scenes: [...section.matchAll(/^\| \[\w+\]\(\.\.\/examples\/([\w.]+)\) \| (.*?) \|/gm)].map(([, file, idea]) => ({
+      file,
+      idea,
+    })),
   }));
   return groups.filter(({ scenes }) => scenes.length > 0);
 }
@@ -88,11 +110,15 @@ function galleryGroups() {
 /** The manual's scenes, each with what its picture shows. */
 function manualGroup() {
   const names = readdirSync(join(root, "docs"));
-  const texts = names.filter((file) => file.endsWith(".md")).map((file) => readFileSync(join(root, "docs", file), "utf8"));
-  const scenes = readdirSync(join(root, "docs/scenes")).filter((file) => /\.(vlo|set)$/.test(file)).map((file) => {
-    const shown = new RegExp(`!\\[([^\\]]*)\\]\\(pictures/${stemOf(file)}\\.`);
-    return { file, idea: shown.exec(texts.join("\n"))?.[1] ?? "" };
-  });
+  const texts = names
+    .filter((file) => file.endsWith(".md"))
+    .map((file) => readFileSync(join(root, "docs", file), "utf8"));
+  const scenes = readdirSync(join(root, "docs/scenes"))
+    .filter((file) => /\.(vlo|set)$/.test(file))
+    .map((file) => {
+      const shown = new RegExp(`!\\[([^\\]]*)\\]\\(pictures/${stemOf(file)}\\.`);
+      return { file, idea: shown.exec(texts.join("\n"))?.[1] ?? "" };
+    });
   return { title: "Manual", scenes };
 }
 
@@ -100,15 +126,17 @@ function manualGroup() {
 function indexScenes() {
   gatherScenes("examples", "gallery");
   gatherScenes("docs/scenes", "manual");
-  const complete = (name) => ({ title, scenes }) => ({
-    title,
-    scenes: scenes.map(({ file, idea }) => {
-      const folder = join(pages, "scenes", name);
-      const id = `${name}/${stemOf(file)}`;
-      const files = Object.keys(readScene(folder, file));
-      return { id, name: stemOf(file), idea, files, picture: renderSmall(folder, id, files) };
-    }),
-  });
+  const complete =
+    (name) =>
+    ({ title, scenes }) => ({
+      title,
+      scenes: scenes.map(({ file, idea }) => {
+        const folder = join(pages, "scenes", name);
+        const id = `${name}/${stemOf(file)}`;
+        const files = Object.keys(readScene(folder, file));
+        return { id, name: stemOf(file), idea, files, picture: renderSmall(folder, id, files) };
+      }),
+    });
   const index = [...galleryGroups().map(complete("gallery")), complete("manual")(manualGroup())];
   writeFileSync(join(pages, "scenes/index.json"), JSON.stringify(index));
   return index;
@@ -118,7 +146,12 @@ function indexScenes() {
 
 /** A block of a page as it was before it became HTML. */
 const unescaped = (html) =>
-  html.replace(/<[^>]*>/g, "").replace(/&lt;/g, "<").replace(/&gt;/g, ">").replace(/&quot;/g, '"').replace(/&amp;/g, "&");
+  html
+    .replace(/<[^>]*>/g, "")
+    .replace(/&lt;/g, "<")
+    .replace(/&gt;/g, ">")
+    .replace(/&quot;/g, '"')
+    .replace(/&amp;/g, "&");
 
 // What shows a scene: a picture or a block of text, which say of which file they are; one of several pictures of a
 // scene, NAME_variant; another block of the language, which may be part of a scene; an entry of the gallery.
@@ -162,7 +195,10 @@ function linkManual(index) {
   }
   const without = [...ids].filter((id) => !linked.has(id));
   if (without.length > 0) throw new Error(`no page of the manual shows ${without.join(", ")}`);
-  appendFileSync(join(folder, "style.css"), "a.try { color: var(--link); font-size: .85rem; text-decoration: underline; white-space: nowrap; }\n");
+  appendFileSync(
+    join(folder, "style.css"),
+    "a.try { color: var(--link); font-size: .85rem; text-decoration: underline; white-space: nowrap; }\n",
+  );
 }
 
 mkdirSync(pages, { recursive: true });

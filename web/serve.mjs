@@ -28,11 +28,18 @@ export function serve(folder, { port = 0, isolated = true } = {}) {
       if (statSync(file).isDirectory()) file = join(file, "index.html");
       const { size } = statSync(file);
       const type = TYPES[extname(file)] ?? "text/plain; charset=utf-8";
-      response.writeHead(200, { "Content-Type": type, "Content-Length": size, "Cache-Control": "no-cache", ...(isolated && ISOLATED) });
+      response.writeHead(200, {
+        "Content-Type": type,
+        "Content-Length": size,
+        "Cache-Control": "no-cache",
+        ...(isolated && ISOLATED),
+      });
     } catch {
       return fail(404);
     }
-    return createReadStream(file).on("error", () => response.destroy()).pipe(response);
+    return createReadStream(file)
+      .on("error", () => response.destroy())
+      .pipe(response);
   });
   return new Promise((resolve, reject) => {
     server.once("error", reject);

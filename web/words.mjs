@@ -3,7 +3,11 @@ import { readFileSync } from "node:fs";
 
 const reference = new URL("../docs/reference.md", import.meta.url);
 
-const cellsOf = (row) => row.split("|").slice(1, -1).map((cell) => cell.trim());
+const cellsOf = (row) =>
+  row
+    .split("|")
+    .slice(1, -1)
+    .map((cell) => cell.trim());
 const ticked = (cell) => [...cell.matchAll(/`([^`]+)`/g)].map((match) => match[1]);
 
 /** Text as it reads without the marks of the page. */

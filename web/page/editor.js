@@ -6,7 +6,13 @@ import { forceLinting, linter, lintKeymap } from "@codemirror/lint";
 import { highlightSelectionMatches, searchKeymap } from "@codemirror/search";
 import { EditorState } from "@codemirror/state";
 import {
-  drawSelection, EditorView, highlightActiveLine, highlightActiveLineGutter, highlightSpecialChars, keymap, lineNumbers,
+  drawSelection,
+  EditorView,
+  highlightActiveLine,
+  highlightActiveLineGutter,
+  highlightSpecialChars,
+  keymap,
+  lineNumbers,
 } from "@codemirror/view";
 import { classHighlighter } from "@lezer/highlight";
 import { sceneLanguage } from "./language.js";
@@ -26,19 +32,38 @@ export function makeEditor(parent, page) {
       doc,
       extensions: [
         keymap.of([{ key: "Mod-Enter", run: () => (page.render(), true), preventDefault: true }]),
-        lineNumbers(), highlightActiveLineGutter(), highlightSpecialChars(), history(), drawSelection(),
-        bracketMatching({ brackets: "{}<>" }), closeBrackets(), autocompletion(), highlightActiveLine(),
-        highlightSelectionMatches(), syntaxHighlighting(classHighlighter), indentUnit.of("  "),
-        sceneLanguage(name, page.fileNames), EditorState.readOnly.of(isFixed),
-        linter((editor) => {
-          const length = editor.state.doc.length;
-          // A mark of no width would not be seen.
-          const within = ({ from, to }) => (to > length ? { from: Math.max(0, length - 1), to: length } : { from, to });
-          return page.faults(name).map(({ message, ...range }) => ({ severity: "error", message, ...within(range) }));
-        }, { delay: 1e9 }), // the page says when
+        lineNumbers(),
+        highlightActiveLineGutter(),
+        highlightSpecialChars(),
+        history(),
+        drawSelection(),
+        bracketMatching({ brackets: "{}<>" }),
+        closeBrackets(),
+        autocompletion(),
+        highlightActiveLine(),
+        highlightSelectionMatches(),
+        syntaxHighlighting(classHighlighter),
+        indentUnit.of("  "),
+        sceneLanguage(name, page.fileNames),
+        EditorState.readOnly.of(isFixed),
+        linter(
+          (editor) => {
+            const length = editor.state.doc.length;
+            // A mark of no width would not be seen.
+            const within = ({ from, to }) =>
+              to > length ? { from: Math.max(0, length - 1), to: length } : { from, to };
+            return page.faults(name).map(({ message, ...range }) => ({ severity: "error", message, ...within(range) }));
+          },
+          { delay: 1e9 },
+        ), // the page says when
         // Tab goes on to the next control: Escape is not needed to leave the editor by keyboard.
         keymap.of([
-          ...closeBracketsKeymap, ...defaultKeymap, ...searchKeymap, ...historyKeymap, ...completionKeymap, ...lintKeymap,
+          ...closeBracketsKeymap,
+          ...defaultKeymap,
+          ...searchKeymap,
+          ...historyKeymap,
+          ...completionKeymap,
+          ...lintKeymap,
         ]),
         EditorView.contentAttributes.of({ "aria-label": `Text of ${name}` }),
         EditorView.updateListener.of((update) => {

@@ -9,7 +9,8 @@ function narrowed(place, output, text) {
 }
 
 // Lines that tell of nothing amiss, at the end of a run that failed.
-const ORDINARY = /^ ?(?:VARLO v|Parsing |Reading |Computing |Number of |Multi-threaded|Running |Rendering |Resolution:|0%|▒)/;
+const ORDINARY =
+  /^ ?(?:VARLO v|Parsing |Reading |Computing |Number of |Multi-threaded|Running |Rendering |Resolution:|0%|▒)/;
 
 /**
  * The fault that ended a run, and what it warned of.
@@ -39,6 +40,9 @@ export function faultsIn(output, status, main, textOf) {
   const lacking = /Missing \w+!/.exec(output)?.[0];
   if (lacking) return [{ message: lacking }, ...found];
   const lines = output.split("\n").map((line) => line.trim());
-  const message = lines.filter((line) => line && !ORDINARY.test(line)).slice(-2).join(" ");
+  const message = lines
+    .filter((line) => line && !ORDINARY.test(line))
+    .slice(-2)
+    .join(" ");
   return [{ message: message || `The program ended with status ${status}.` }, ...found];
 }

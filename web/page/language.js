@@ -36,7 +36,10 @@ const language = StreamLanguage.define({
   name: "vlo",
   startState: () => ({ comment: false }),
   token: tokenClass,
-  languageData: { commentTokens: { line: ";", block: { open: "[", close: "]" } }, closeBrackets: { brackets: ["{", "<", '"'] } },
+  languageData: {
+    commentTokens: { line: ";", block: { open: "[", close: "]" } },
+    closeBrackets: { brackets: ["{", "<", '"'] },
+  },
 });
 
 /** Outside of braces a settings file has nothing; its one block is that of the model. */
@@ -124,7 +127,9 @@ const wordTooltip = (fileName) =>
     if (!range) return null;
     const word = view.state.sliceDoc(range.from, range.to);
     const { block } = surroundings(view.state.doc.toString(), range.from, outsideOf(fileName));
-    const row = block ? blocks[block]?.find((each) => each.word === word) : statements.find((each) => each.word === word);
+    const row = block
+      ? blocks[block]?.find((each) => each.word === word)
+      : statements.find((each) => each.word === word);
     if (!row) return null;
     const dom = document.createElement("div");
     dom.className = "word-info";
@@ -138,4 +143,3 @@ export const sceneLanguage = (fileName, fileNames) =>
     language.data.of({ autocomplete: complete(fileNames, fileName) }),
     wordTooltip(fileName),
   ]);
-

@@ -2,7 +2,16 @@
 import { makeEditor } from "./editor.js";
 import { faultsIn } from "./faults.js";
 import {
-  argumentsOf, commandLine, isMain, keep, keptProjects, packLink, stemOf, unpackLink, withFiles, wordName,
+  argumentsOf,
+  commandLine,
+  isMain,
+  keep,
+  keptProjects,
+  packLink,
+  stemOf,
+  unpackLink,
+  withFiles,
+  wordName,
 } from "./project.js";
 import { hasThreads, start, stop } from "./renderer.js";
 import { showScenes, fetchScene } from "./scenes.js";
@@ -378,19 +387,27 @@ addEventListener("keydown", (event) => {
 // ---- files that are dropped ----
 
 const hasFiles = (event) => event.dataTransfer?.types.includes("Files");
-addEventListener("dragover", (event) => {
-  if (!hasFiles(event)) return;
-  event.preventDefault();
-  $("drop").hidden = false;
-}, true);
+addEventListener(
+  "dragover",
+  (event) => {
+    if (!hasFiles(event)) return;
+    event.preventDefault();
+    $("drop").hidden = false;
+  },
+  true,
+);
 addEventListener("dragleave", (event) => !event.relatedTarget && ($("drop").hidden = true));
-addEventListener("drop", (event) => {
-  if (!hasFiles(event)) return;
-  event.preventDefault();
-  event.stopPropagation();
-  $("drop").hidden = true;
-  addFiles(event.dataTransfer.files);
-}, true);
+addEventListener(
+  "drop",
+  (event) => {
+    if (!hasFiles(event)) return;
+    event.preventDefault();
+    event.stopPropagation();
+    $("drop").hidden = true;
+    addFiles(event.dataTransfer.files);
+  },
+  true,
+);
 
 // ---- the beginning ----
 

@@ -4,8 +4,8 @@
 /** How the program's text reaches a reader: bytes are characters, and the marks of its bar are full blocks. */
 const toText = (byte) => (byte === 0xb1 ? "▒" : String.fromCharCode(byte));
 
-// Leaves the program from wherever it ended. What emscripten throws itself does not get out of a wait for a thread, when
-// it was that thread that ended the program.
+// Leaves the program from wherever it ended. What emscripten throws itself does not get out of a wait for a thread,
+// when it was that thread that ended the program.
 const ENDED = Symbol("the program ended");
 
 /**

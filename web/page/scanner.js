@@ -1,13 +1,22 @@
 // The scanner of the scene language, as far as a page needs it: tokens, the include files that a scene reads,
 // the place behind a line number that runs on over all files, and the size of the picture.
 
-const TOKEN =
-  /(?<blank>[ \t\n\v\f\r]+)|(?<comment>;[^\n]*|\[[^\]]*\]?)|(?<word>[A-Za-z][A-Za-z0-9_.\\:]*)|(?<number>[0-9+.-][0-9+.eE-]*)|(?<mark>[{}<>"#])|(?<other>[^])/gy;
+const TOKEN = new RegExp(
+  [
+    "(?<blank>[ \\t\\n\\v\\f\\r]+)",
+    "(?<comment>;[^\\n]*|\\[[^\\]]*\\]?)",
+    "(?<word>[A-Za-z][A-Za-z0-9_.\\\\:]*)",
+    "(?<number>[0-9+.-][0-9+.eE-]*)",
+    '(?<mark>[{}<>"#])',
+    "(?<other>[^])",
+  ].join("|"),
+  "gy",
+);
 
 /** The tokens of a text from `from` on, in order: `kind` as in the pattern above, `text`, `from` and `to`. */
 export function* tokens(text, { from = 0, blanks = false } = {}) {
   TOKEN.lastIndex = from;
-  for (let at = from; at < text.length; ) {
+  for (let at = from; at < text.length;) {
     TOKEN.lastIndex = at;
     const match = TOKEN.exec(text);
     const kind = Object.keys(match.groups).find((name) => match.groups[name] !== undefined);

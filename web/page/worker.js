@@ -17,18 +17,23 @@ function send() {
 onmessage = async ({ data: { module, run, shared } }) => {
   let width = 0;
   try {
-    const { status } = await runVarlo(createVarlo, module, { ...run, script }, {
-      print,
-      // The page looks into memory that it shares by itself, and is sent rows of any other.
-      picture: (memory, address, columns, rows) => {
-        width = columns;
-        postMessage({ picture: { width, height: rows, ...(shared && { memory, address }) } });
+    const { status } = await runVarlo(
+      createVarlo,
+      module,
+      { ...run, script },
+      {
+        print,
+        // The page looks into memory that it shares by itself, and is sent rows of any other.
+        picture: (memory, address, columns, rows) => {
+          width = columns;
+          postMessage({ picture: { width, height: rows, ...(shared && { memory, address }) } });
+        },
+        row: (memory, address, y) => {
+          const bytes = new Uint8ClampedArray(memory.buffer, address, 4 * width).slice();
+          postMessage({ row: { y, bytes } }, [bytes.buffer]);
+        },
       },
-      row: (memory, address, y) => {
-        const bytes = new Uint8ClampedArray(memory.buffer, address, 4 * width).slice();
-        postMessage({ row: { y, bytes } }, [bytes.buffer]);
-      },
-    });
+    );
     send();
     postMessage({ status });
   } catch (fault) {

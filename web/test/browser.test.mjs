@@ -16,7 +16,8 @@ const root = fileURLToPath(new URL("../..", import.meta.url));
 const pages = join(root, "build/web");
 const shots = join(root, "build/web-test");
 const varlo = join(root, "build/release/varlo");
-const FLAGS = "--no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking " +
+const FLAGS =
+  "--no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking " +
   "--disable-component-update --disable-sync";
 
 let browser, isolated, plain;
@@ -48,14 +49,21 @@ async function open(t, { path = "", server = isolated, width = 1400, ...options 
   t.after(async () => {
     await context.close();
     // A run that is stopped while its threads load their script says so.
-    assert.deepEqual(troubles.filter((trouble) => !/importScripts/.test(trouble)), []);
+    assert.deepEqual(
+      troubles.filter((trouble) => !/importScripts/.test(trouble)),
+      [],
+    );
   });
   await page.goto(addressOf(server) + path);
   return page;
 }
 
 const says = (page, pattern, timeout = 30_000) =>
-  page.waitForFunction((source) => new RegExp(source).test(document.querySelector("#status").textContent), pattern.source, { timeout });
+  page.waitForFunction(
+    (source) => new RegExp(source).test(document.querySelector("#status").textContent),
+    pattern.source,
+    { timeout },
+  );
 const rendered = (page) => says(page, /^\d+ × \d+ pixels in/);
 
 async function type(page, text) {
@@ -97,7 +105,9 @@ surface { color 0.8 0.2 0.1 ambient 0.2 diffuse 0.8 reflection 0.3 }
 sphere { center <0 0 1> radius 1 }
 `;
 const PART = "surface { color 0.8 0.8 0.8 ambient 0.2 diffuse 0.8 }\nplane { normal <0 0 1> distance 0 }\n";
-const HEAVY = SCENE.replace("240 180", "1600 1200").replace("aa_distance 8", "aa_distance 1").replace(/include.*\n/, "");
+const HEAVY = SCENE.replace("240 180", "1600 1200")
+  .replace('"none"', '"none" shadow_type "smooth" radius 1 light_samples 24')
+  .replace(/include.*\n/, "");
 
 for (const width of [400, 1400])
   test(`edit, include, fault, at ${width} pixels`, async (t) => {
@@ -136,8 +146,13 @@ for (const width of [400, 1400])
   });
 
 test("threads and one thread give the native bytes, and the page says which", async (t) => {
-  const scene = { "a.vlo": SCENE.replace(/include.*\n/, "").replace("none\"", "none\" shadow_type \"smooth\" radius 1 light_samples 4") };
-  for (const [server, mode, label] of [[isolated, /side by side/, "Threads"], [plain, /^One thread/, "Bands"]]) {
+  const scene = {
+    "a.vlo": SCENE.replace(/include.*\n/, "").replace('none"', 'none" shadow_type "smooth" radius 1 light_samples 4'),
+  };
+  for (const [server, mode, label] of [
+    [isolated, /side by side/, "Threads"],
+    [plain, /^One thread/, "Bands"],
+  ]) {
     const page = await open(t, { server });
     assert.match(await page.textContent("#mode"), mode);
     assert.equal(await page.textContent("#threads-name"), label);
@@ -166,7 +181,7 @@ test("a small picture comes first, rows come as they finish, and a run stops at 
     assert.match(before, /^1600 x 1200/);
     await page.waitForTimeout(300);
     assert.equal(await pictureIn(page), before);
-    for (let i = 0; page.workers().length > 1 && i < 20; ++i) await page.waitForTimeout(100);
+    for (let i = 0; page.workers().length > 1 && i < 100; ++i) await page.waitForTimeout(100);
     assert.equal(page.workers().length, 1, "only the worker of the next run is left");
     assert.ok(await page.isDisabled("#png"), "no file of half a picture");
 
@@ -186,8 +201,14 @@ test("size, sampler, PNG, command line and link", async (t) => {
   await page.fill("#height", "48");
   await page.selectOption("#sampler", "-aaq");
   await says(page, /^64 × 48 pixels/);
-  const wanted = nativePicture({ "first.vlo": readFileSync(join(root, "docs/scenes/first.vlo")) },
-    ["-i", "first.vlo", "-r", "64", "48", "-aaq"]);
+  const wanted = nativePicture({ "first.vlo": readFileSync(join(root, "docs/scenes/first.vlo")) }, [
+    "-i",
+    "first.vlo",
+    "-r",
+    "64",
+    "48",
+    "-aaq",
+  ]);
   assert.equal(await pictureIn(page), wanted);
 
   await page.click("#command");
@@ -211,11 +232,14 @@ test("a 3DS model that is dropped gets its settings", async (t) => {
   const page = await open(t);
   await rendered(page);
   const model = readFileSync(join(pages, "scenes/manual/donut.3ds"));
-  const data = await page.evaluateHandle((bytes) => {
-    const transfer = new DataTransfer();
-    transfer.items.add(new File([new Uint8Array(bytes)], "My donut.3DS"));
-    return transfer;
-  }, [...model]);
+  const data = await page.evaluateHandle(
+    (bytes) => {
+      const transfer = new DataTransfer();
+      transfer.items.add(new File([new Uint8Array(bytes)], "My donut.3DS"));
+      return transfer;
+    },
+    [...model],
+  );
   await page.dispatchEvent("main", "drop", { dataTransfer: data });
   await says(page, /^640 × 480 pixels/);
   const settings = await page.locator(".cm-content").innerText();
@@ -275,7 +299,10 @@ test("names for screen readers and contrast, light and dark", async (t) => {
 });
 
 test("edit and render leads from the manual and its gallery to a picture", async (t) => {
-  for (const [path, link] of [["manual/reference.html", "manual/object_disc"], ["manual/gallery.html", "gallery/endgame"]]) {
+  for (const [path, link] of [
+    ["manual/reference.html", "manual/object_disc"],
+    ["manual/gallery.html", "gallery/endgame"],
+  ]) {
     const page = await open(t, { path });
     await page.locator(`a.try[href="../index.html#${link}"]`).first().click();
     await rendered(page);
@@ -285,8 +312,15 @@ test("edit and render leads from the manual and its gallery to a picture", async
 });
 
 test("weight, first picture, and speed beside the native program", async (t) => {
-  const parts = ["index.html", "page.css", "main.js", "worker.js", "varlo-threads/varlo.js", "varlo-threads/varlo.worker.js",
-    "varlo-threads/varlo.wasm"];
+  const parts = [
+    "index.html",
+    "page.css",
+    "main.js",
+    "worker.js",
+    "varlo-threads/varlo.js",
+    "varlo-threads/varlo.worker.js",
+    "varlo-threads/varlo.wasm",
+  ];
   const weight = parts.reduce((sum, part) => sum + gzipSync(readFileSync(join(pages, part))).length, 0);
   t.diagnostic(`page and program: ${Math.round(weight / 1000)} KB compressed`);
   assert.ok(weight < 700_000);
@@ -306,7 +340,10 @@ test("weight, first picture, and speed beside the native program", async (t) => 
       await says(page, /^640 × 480 pixels/);
       const [, time] = /Rendering time: +([\d.]+)/.exec(await page.textContent("#output"));
       const begun = performance.now();
-      execFileSync(varlo, ["-i", "endgame.vlo", "-r", "640", "480", "-t", "2", "-ppm", "-o", "speed"], { cwd: join(pages, "scenes/gallery"), stdio: "ignore" });
+      execFileSync(varlo, ["-i", "endgame.vlo", "-r", "640", "480", "-t", "2", "-ppm", "-o", "speed"], {
+        cwd: join(pages, "scenes/gallery"),
+        stdio: "ignore",
+      });
       ratios.push([Number(time), (performance.now() - begun) / 1000]);
     }
     rmSync(join(pages, "scenes/gallery/speed.ppm"));

@@ -11,7 +11,10 @@ import { loadVarlo, readScene } from "../node.mjs";
 
 const root = fileURLToPath(new URL("../..", import.meta.url));
 const checksums = new Map(
-  readFileSync(join(root, "tests/gallery/checksums"), "utf8").trim().split("\n").map((row) => row.split("  ").reverse()),
+  readFileSync(join(root, "tests/gallery/checksums"), "utf8")
+    .trim()
+    .split("\n")
+    .map((row) => row.split("  ").reverse()),
 );
 const script = readFileSync(join(root, "tests/gallery/checksums_test.sh"), "utf8");
 const size = /-r (\d+) (\d+)/.exec(script).slice(1); // of the pictures that the checksums are of
@@ -27,7 +30,10 @@ const scenes = readdirSync(folder).filter(
 );
 
 // Each number of threads once: without random sampling all have the same checksum.
-for (const [build, counts] of [["wasm", [2, 8]], ["wasm-threads", [4]]])
+for (const [build, counts] of [
+  ["wasm", [2, 8]],
+  ["wasm-threads", [4]],
+])
   test(`gallery, ${build}`, async () => {
     const varlo = await loadVarlo(join(root, "build", build));
     const different = [];

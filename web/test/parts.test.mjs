@@ -13,7 +13,8 @@ import { readWords } from "../words.mjs";
 const root = fileURLToPath(new URL("../..", import.meta.url));
 const within = (files) => (name) => files[name];
 
-const VIEW = 'settings { output_type "png" output_name "x" resolution 8 6 } camera { position <0 0 0> look_at <0 1 0> }';
+const VIEW =
+  'settings { output_type "png" output_name "x" resolution 8 6 } camera { position <0 0 0> look_at <0 1 0> }';
 const RED = "surface { color 1 0 0 }";
 const BALL = "sphere { center <0 0 0> radius";
 
@@ -22,12 +23,36 @@ const faulty = [
   ["in the scene", { "a.vlo": `${VIEW}\n${RED}\n  ${BALL} 0 } ; none` }, "a.vlo", 3, `${BALL} 0 }`],
   ["an unknown word", { "a.vlo": `${VIEW}\nspher { }` }, "a.vlo", 2, "spher"],
   ["a character", { "a.vlo": `${VIEW}\n${BALL} = 1 }` }, "a.vlo", 2, "="],
-  ["in an include", { "a.vlo": `${VIEW}\ninclude "b.inc"\n${RED}`, "b.inc": `;\n;\n\n${BALL} x }\n` }, "b.inc", 4, `${BALL} x }`],
+  [
+    "in an include",
+    { "a.vlo": `${VIEW}\ninclude "b.inc"\n${RED}`, "b.inc": `;\n;\n\n${BALL} x }\n` },
+    "b.inc",
+    4,
+    `${BALL} x }`,
+  ],
   ["behind an include", { "a.vlo": `include "b.inc"\n${VIEW}\nsphere 1\n`, "b.inc": "\n\n\n" }, "a.vlo", 3, "sphere 1"],
-  ["first line of an include", { "a.vlo": `${VIEW}\n include "b.inc" ${RED}`, "b.inc": "disc 1\n" }, "b.inc", 1, "disc 1"],
+  [
+    "first line of an include",
+    { "a.vlo": `${VIEW}\n include "b.inc" ${RED}`, "b.inc": "disc 1\n" },
+    "b.inc",
+    1,
+    "disc 1",
+  ],
   ["on the line of an include", { "a.vlo": `include "b.inc" disc 1\n`, "b.inc": `${RED}\n` }, "a.vlo", 1, "disc 1"],
-  ["an include twice", { "a.vlo": 'include "b.inc"\ninclude "b.inc"\nring 1', "b.inc": `\n${RED}` }, "a.vlo", 3, "ring 1"],
-  ["nested", { "a.vlo": 'include "b.inc"\n', "b.inc": '\ninclude "c.inc"\n', "c.inc": "\n\nplane 1" }, "c.inc", 3, "plane 1"],
+  [
+    "an include twice",
+    { "a.vlo": 'include "b.inc"\ninclude "b.inc"\nring 1', "b.inc": `\n${RED}` },
+    "a.vlo",
+    3,
+    "ring 1",
+  ],
+  [
+    "nested",
+    { "a.vlo": 'include "b.inc"\n', "b.inc": '\ninclude "c.inc"\n', "c.inc": "\n\nplane 1" },
+    "c.inc",
+    3,
+    "plane 1",
+  ],
   ["in a comment", { "a.vlo": '[ include "b.inc"\n]\n; include "b.inc"\nplane 1' }, "a.vlo", 4, "plane 1"],
   ["a missing file", { "a.vlo": `${VIEW}\n include "b.inc"` }, "a.vlo", 2, 'include "b.inc"'],
   ["at the end", { "a.vlo": `${VIEW}\nsphere {\n` }, "a.vlo", 3, ""],
@@ -44,7 +69,11 @@ test("a fault has its place in the file that holds it", async () => {
     const { status } = await varlo({ args, files, print: (text) => (output += text) });
     const [fault] = faultsIn(output, status, main, within(files));
     const marked = fault.file ? files[fault.file].slice(fault.from, fault.to) : fault.message;
-    assert.deepEqual({ status, file: fault.file, line: fault.line, marked }, { status: 255, file, line, marked: at }, name);
+    assert.deepEqual(
+      { status, file: fault.file, line: fault.line, marked },
+      { status: 255, file, line, marked: at },
+      name,
+    );
   }
 });
 
@@ -55,14 +84,21 @@ test("a run that ends in a thread ends", async () => {
     return `triangle { vertex <${x} ${y} ${z}> vertex <${-x} ${-y} ${-z}> vertex <${0.01 - x} ${-y} ${0.01 - z}> }`;
   };
   const slivers = Array.from({ length: 3000 }, (_, i) => sliver(i + 1)).join("\n");
-  const view = 'settings { output_type "png" output_name "x" } camera { position <0.3 -80 0.2> look_at <0 0 0> fov 10 }';
+  const view =
+    'settings { output_type "png" output_name "x" } camera { position <0.3 -80 0.2> look_at <0 0 0> fov 10 }';
   for (const build of ["wasm", "wasm-threads"]) {
     let output = "";
     const varlo = await loadVarlo(join(root, "build", build));
     const files = { "a.vlo": `${view}\n${RED}\n${slivers}` };
-    const { status } = await varlo({ args: ["-i", "a.vlo", "-ppm", "-pqs", "101"], files, print: (text) => (output += text) });
+    const { status } = await varlo({
+      args: ["-i", "a.vlo", "-ppm", "-pqs", "101"],
+      files,
+      print: (text) => (output += text),
+    });
     assert.equal(status, 1);
-    const { message } = faultsIn(output, status, "a.vlo", within(files)).find(({ message }) => !/Warning/.test(message));
+    const { message } = faultsIn(output, status, "a.vlo", within(files)).find(
+      ({ message }) => !/Warning/.test(message),
+    );
     assert.match(message, /^VARLO is out of space/);
   }
 });
@@ -95,7 +131,8 @@ test("what stands around the cursor, which is at the |", () => {
     ['settings { output_type "png" |', { block: "settings", word: "output_type", quoted: false }],
     ["[ light { ] plane { |", { block: "plane", word: "plane", quoted: false }],
   ];
-  for (const [text, wanted] of cases) assert.deepEqual(surroundings(text.replace("|", ""), text.indexOf("|")), wanted, text);
+  for (const [text, wanted] of cases)
+    assert.deepEqual(surroundings(text.replace("|", ""), text.indexOf("|")), wanted, text);
 });
 
 test("the manual's tables have every word that the scanner finds", () => {
@@ -104,7 +141,9 @@ test("the manual's tables have every word that the scanner finds", () => {
     statement: new Set(statements.map(({ word }) => word)),
     parameter: new Set(Object.values(blocks).flatMap((rows) => rows.map(({ word }) => word))),
   };
-  const rows = readFileSync(join(root, "editors/keywords.txt"), "utf8").split("\n").filter((row) => /^\w/.test(row));
+  const rows = readFileSync(join(root, "editors/keywords.txt"), "utf8")
+    .split("\n")
+    .filter((row) => /^\w/.test(row));
   const absent = rows.map((row) => row.split(" ")).filter(([word, kind]) => known[kind] && !known[kind].has(word));
   assert.deepEqual(absent, []);
   const { value, default: start, choices } = blocks.settings.find(({ word }) => word === "aa_type");
