@@ -3,6 +3,7 @@
 #include "core/fatal.h"
 #include "core/settings.h"
 
+#include <cassert>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -149,6 +150,7 @@ static void fetch(const Run& run)
 /// many records, and where the run lies is room again as soon as it is split.
 static void sortAndSplit(const Run& run, Placed* spare)
 {
+    assert(run.count > 0);
     if (run.count == 1) { // stands bare and comes up again in the next pass
         link(at(run, 0)->record);
         return;
@@ -194,9 +196,9 @@ void buildBoundingSlabs()
     total = nPrims;
     if (total <= 1)
         return;
-    const auto size = static_cast<size_t>(total) * sizeof(Placed);
-    auto* places = static_cast<Placed*>(malloc(size));
-    auto* spare = static_cast<Placed*>(malloc(size));
+    const auto size = static_cast<size_t>(total);
+    auto* places = static_cast<Placed*>(calloc(size, sizeof(Placed)));
+    auto* spare = static_cast<Placed*>(calloc(size, sizeof(Placed)));
     if (places == nullptr || spare == nullptr)
         fatal(OUT_OF_MEMORY);
     while (total > 1) {
