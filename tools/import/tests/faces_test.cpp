@@ -37,9 +37,9 @@ static std::string body()
         }
     text << "usemtl wood\n";
     int corner = ROUND * (RINGS + 1);
-    for (int side = 0; side < 6; ++side) {
+    for (unsigned side = 0; side < 6; ++side) {
         Vec n, a, b;
-        n[side / 2] = side % 2 * 2 - 1;
+        n[side / 2] = side % 2 == 1 ? 1 : -1;
         a[(side / 2 + 1) % 3] = 1;
         b[(side / 2 + 2) % 3] = 1;
         for (const Vec& v : {n - a - b, n + a - b, n + a + b, n - a + b})
