@@ -246,11 +246,12 @@ TEST_F(IntersectTest, TheWalkAnswersNineOfTenRaysOfTheGallery)
     const Folder folder;
     const std::string examples = VARLO_SOURCE_DIR "/examples";
     std::filesystem::copy(examples, folder.path, std::filesystem::copy_options::recursive);
-    ASSERT_EQ(system((examples + "/generate " + folder.path + " 2>/dev/null").c_str()), 0);
+    ASSERT_EQ(system((examples + "/generate " + folder.path + " >/dev/null 2>&1").c_str()), 0);
     std::filesystem::current_path(folder.path);
     int rays = 0, answers = 0;
     for (const auto& file : std::filesystem::directory_iterator(".")) {
-        if (file.path().extension() != ".vlo")
+        const bool lacksModel = file.path().stem() == "teatime" && !std::filesystem::exists("teapot.inc");
+        if (file.path().extension() != ".vlo" || lacksModel)
             continue;
         resetScene();
         printed([&] { parseFile(file.path().c_str()); });
