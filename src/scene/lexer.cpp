@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 constinit int mot_cle = 0;
 constinit unsigned char type_motcle = 0;
@@ -66,6 +67,21 @@ static int next(FILE* stream)
     return c;
 }
 
+// The character that ended the last word or number, until it is read again. ungetc would do, but takes its
+// time, and there is one of these for most tokens.
+static constinit const FILE* heldOf = nullptr;
+static constinit int held = EOF;
+
+/// The first character of a token, or what stands in front of it.
+static int resume(FILE* stream)
+{
+    if (heldOf != stream || held == EOF)
+        return next(stream);
+    if (held == '\n')
+        ++comptligne;
+    return std::exchange(held, EOF);
+}
+
 void yyerror(const char* message)
 {
     printf("\n Parser Error - line: %d", comptligne);
@@ -112,7 +128,13 @@ int Trouve_MotCle()
     return 0;
 }
 
-/// Collects `c` and what follows it of the given class into chaine, pushes the first other character back and
+void resetLexer()
+{
+    comptligne = 1;
+    held = EOF;
+}
+
+/// Collects `c` and what follows it of the given class into chaine, holds the first other character back and
 /// returns the end of the text.
 static const char* collect(FILE* stream, int c, int flags)
 {
@@ -123,7 +145,8 @@ static const char* collect(FILE* stream, int c, int flags)
         *end++ = static_cast<char>(c);
         c = get(stream);
     } while (is(c, flags));
-    ungetc(c, stream);
+    heldOf = stream;
+    held = c;
     *end = '\0';
     return end;
 }
@@ -145,8 +168,41 @@ static Number convert(const char* end, Fallback fallback)
     return fallback();
 }
 
+/// Most decimals are a few digits with a point. Up to 15 digits and their power of ten are whole numbers that
+/// a double holds, so that one division rounds as the exact conversion does (Clinger, How to read floating
+/// point numbers accurately, 1990). False for any other text.
+static bool convertShort(const char* end, double* value)
+{
+    static constexpr int MAX_DIGITS = 15;
+    static constexpr double powers[MAX_DIGITS + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const bool negative = *chaine == '-';
+    const char* decimals = nullptr; // behind the point
+    std::int64_t digits = 0;
+    ptrdiff_t count = end - chaine - (negative ? 1 : 0);
+    if (count > MAX_DIGITS + 1)
+        return false;
+    for (const char* at = end - count; at != end; ++at) {
+        if (*at >= '0' && *at <= '9') {
+            digits = 10 * digits + (*at - '0');
+        } else if (*at == '.' && decimals == nullptr) {
+            decimals = at + 1;
+            --count;
+        } else {
+            return false;
+        }
+    }
+    if (count == 0 || count > MAX_DIGITS)
+        return false;
+    const double number = static_cast<double>(digits) / powers[decimals != nullptr ? end - decimals : 0];
+    *value = negative ? -number : number;
+    return true;
+}
+
 static void convertNumber(const char* end)
 {
+    if (type_motcle == MODE_DECIMAL && convertShort(end, &val_DBL))
+        return;
     if (type_motcle == MODE_DECIMAL)
         val_DBL = convert<double>(end, [] { return strtod(chaine, nullptr); });
     else // 64 bits also where `long` has 32: what is too large for an int keeps its low half everywhere
@@ -157,7 +213,7 @@ static void convertNumber(const char* end)
 static int skipBlank(FILE* stream)
 {
     for (;;) {
-        int c = next(stream);
+        int c = resume(stream);
         while (is(c, SPACE))
             c = next(stream);
         if (c == ';') {

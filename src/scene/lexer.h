@@ -47,6 +47,9 @@ extern const char* sourceName;
 /// Reads one token and returns its code, also in mot_cle.
 int Lire_MotCle(FILE* stream);
 
+/// Starts at line 1, whatever was read before.
+void resetLexer();
+
 /// Searches liste_motcle for `chaine`. Returns the code, also in mot_cle, or 0.
 int Trouve_MotCle();
 

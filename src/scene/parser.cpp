@@ -25,7 +25,7 @@ void resetScene()
     setStartValues();
     freeColorList(&myColorList);
     surface = {};
-    comptligne = 1;
+    resetLexer();
 }
 
 static void yy_declare(FILE* stream)
