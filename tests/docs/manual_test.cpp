@@ -159,10 +159,14 @@ static Names messagesOfTheProgram()
     EXPECT_EQ(system(("objcopy -O binary --only-section=.rodata " VARLO_BINARY " " + path).c_str()), 0);
     std::istringstream constants(folder.read("constants"));
     Names found;
-    for (std::string text; std::getline(constants, text, '\0');)
+    const auto isText = [](unsigned char c) { return isprint(c) != 0 || isspace(c) != 0; };
+    for (std::string text; std::getline(constants, text, '\0');) {
+        // numbers may stand in front
+        text.erase(text.begin(), std::find_if_not(text.rbegin(), text.rend(), isText).base());
         for (const std::string& message : messagesOf(text))
-            if (std::ranges::all_of(message, isprint) && std::regex_match(message, isMessage))
+            if (std::regex_match(message, isMessage))
                 found.insert(message);
+    }
     return found;
 }
 
@@ -183,8 +187,14 @@ TEST(Manual, MessagesAreThoseOfTheProgram)
         }
 #ifdef VARLO_RELEASE // other builds hold more constants
     const Names printed = messagesOfTheProgram();
+    // Bytes of a number that are letters too make a constant longer at its head.
     std::vector<std::string> differing;
-    std::ranges::set_symmetric_difference(documented, printed, std::back_inserter(differing));
+    for (const std::string& message : documented)
+        if (std::ranges::none_of(printed, [&](const std::string& text) { return text.ends_with(message); }))
+            differing.push_back(message);
+    for (const std::string& message : printed)
+        if (std::ranges::none_of(documented, [&](const std::string& end) { return message.ends_with(end); }))
+            differing.push_back(message);
     // These two are faults of the program itself, which the compiler or a build without checks leaves out.
     const std::vector<std::string> unheard = {"Priority queue is empty, dying...",
                                               "The walk and the heap disagree"};
