@@ -141,8 +141,8 @@ static void putMark(Vec center, double radius = 0.02)
 
 TEST_F(ShadeTest, EachSampleOfTheLensGoesWhereItsNumbersSay)
 {
-    // Four numbers a sample: a distance to the right, which is to the left if the second is above 0.5, and one
-    // downwards or up. A tenth of the way to the focus nine tenths of the offset are left.
+    // Four numbers a sample: a distance to the right, which is to the left if the second is above 0.5, and
+    // one downwards or up. A tenth of the way to the focus nine tenths of the offset are left.
     const Vec marks[] = {{0.840188 * 0.9, 1, 0.783099 * 0.9},
                          {0.911647 * 0.9, 1, 0.335223 * 0.9},
                          {-0.277775 * 0.9, 1, 0.477397 * 0.9},

@@ -57,7 +57,7 @@ TEST_F(PrimitiveTest, Cone)
     expectBounds(makeCone(O, 1, X + Z, 1), {-s, -1, -s}, {1 + s, 1, 1 + s});
     expectBounds(displaced, {-2, 0, -3}, {4, 4, 3});                            // the cap is wider
     expectBounds(makeCone({1, 4, 0}, 3, {1, 0, 0}, 1), {-2, 0, -3}, {4, 4, 3}); // the base is
-    EXPECT_TRUE(std::isnan(makeCone(O, 1, 2.7e-162 * Z, 1)->boundsMax[2])); // too short to be made unit
+    EXPECT_TRUE(std::isnan(makeCone(O, 1, 2.7e-162 * Z, 1)->boundsMax[2]));     // too short to be made unit
     expectNear(ObjectNormal(cone, {0.5, 0.5, 0}, nullptr), {s, -s, 0});
 }
 
