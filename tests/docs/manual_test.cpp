@@ -149,7 +149,7 @@ static Names messagesOf(std::string text)
 }
 
 /// All messages of two words or more that stand in the constants of the program, which end in a zero each.
-static Names messagesOfTheProgram()
+[[maybe_unused]] static Names messagesOfTheProgram()
 {
     // But not what stands in the usage text and in the dump of a record, nor what the C++ library says.
     static const std::regex isMessage("(?!-|Usage|Example|Report|Send|Cone:|varlo pic!|basic_string|vector::)"
