@@ -130,33 +130,34 @@ class Meshes(unittest.TestCase):
                 without_numpy(functools.partial(varlo.mesh, *arguments, **options))
 
 
-class Written(unittest.TestCase):
-    def lines(self, *items: Any) -> list[str]:
-        out = io.StringIO()
-        scene = varlo.Scene(varlo.settings(), varlo.camera(position=(0, -5, 0), look_at=(0, 0, 0)), *items)
-        scene.write(out)
-        return out.getvalue().splitlines()[2:]
+def written(*items: Any) -> list[str]:
+    out = io.StringIO()
+    scene = varlo.Scene(varlo.settings(), varlo.camera(position=(0, -5, 0), look_at=(0, 0, 0)), *items)
+    scene.write(out)
+    return out.getvalue().splitlines()[2:]
 
+
+class Written(unittest.TestCase):
     def test_surfaces_hold_to_the_end_of_their_group(self) -> None:
         red, blue = varlo.surface(color=(1, 0, 0)), varlo.surface(color=(0, 0, 1))
         ball = varlo.sphere(center=(0, 0, 0), radius=1)
-        found = self.lines(red, ball, varlo.group(ball, varlo.group(blue, ball), ball, surface=blue), ball,
-                           varlo.surface(color=(1, 0, 0)), ball)
+        found = written(red, ball, varlo.group(ball, varlo.group(blue, ball), ball, surface=blue), ball,
+                        varlo.surface(color=(1, 0, 0)), ball)
         order = ["red" if "1 0 0" in line else "blue" if "0 0 1" in line else "ball" for line in found]
         self.assertEqual(order, ["red", "ball", "blue", "ball", "ball", "ball", "red", "ball", "ball"])
         with self.assertRaisesRegex(varlo.SceneError, "no surface"):
-            self.lines(varlo.group(red, ball), varlo.group(ball))
+            written(varlo.group(red, ball), varlo.group(ball))
 
     def test_generators(self) -> None:
         def balls() -> Iterator[varlo.sphere]:
             return (varlo.sphere(center=(at, 0, 0), radius=1) for at in range(3))
         ways: list[Any] = [balls, balls(), list(balls())]
-        ends = [self.lines(varlo.surface(), varlo.move(0, 0, 1)(varlo.group(item)))[-1] for item in ways]
+        ends = [written(varlo.surface(), varlo.move(0, 0, 1)(varlo.group(item)))[-1] for item in ways]
         self.assertEqual(ends, ["sphere { center <2 0 1>  radius 1 }"] * 3)
         once = varlo.group(balls())
-        self.lines(varlo.surface(), once)
+        written(varlo.surface(), once)
         with self.assertRaisesRegex(varlo.SceneError, "once"):
-            self.lines(varlo.surface(), once)
+            written(varlo.surface(), once)
 
     def test_names_of_colours(self) -> None:
         cases: list[tuple[list[varlo.Statement], str]] = [
@@ -168,9 +169,9 @@ class Written(unittest.TestCase):
         for items, said in cases:
             with self.subTest(said):
                 if said:
-                    self.assertRaisesRegex(varlo.SceneError, said, self.lines, *items)
+                    self.assertRaisesRegex(varlo.SceneError, said, written, *items)
                 else:
-                    self.assertIn("color #red", self.lines(*items)[-1])
+                    self.assertIn("color #red", written(*items)[-1])
 
 
 class Transformations(unittest.TestCase):
@@ -194,16 +195,21 @@ class Transformations(unittest.TestCase):
 
     def test_what_does_not(self) -> None:
         shear = varlo.Transform(Vec(1, 0, 0), Vec(0, 1, 0), Vec(1, 0, 1), Vec(0, 0, 0))
-        for item, way in (
+        cases: list[tuple[Any, varlo.Transform]] = [
             (varlo.sphere(center=(0, 0, 0), radius=1), varlo.scale(1, 1, 2)),
             (varlo.sphere(center=(0, 0, 0), radius=1), shear),
             (varlo.cone(base=(0, 0, 0), cap=(0, 0, 1), base_radius=1, cap_radius=0), shear),
             (varlo.disc(center=(0, 0, 0), normal=(0, 0, 1), radius=1), varlo.scale(2, 1, 1)),
             (varlo.camera(position=(0, 0, 0), look_at=(1, 0, 0), aperture=1), varlo.scale(1, 2, 1)),
             (varlo.include("part.inc"), varlo.move(1, 0, 0)),
-        ):
-            with self.subTest(item=item), self.assertRaisesRegex(varlo.SceneError, "unevenly|stays"):
-                way(item)
+            (varlo.cylinder(base=(0, 0, 0), cap=(0, 0, 1e-20), radius=1), varlo.move(0, 0, 1)),
+            (varlo.sphere(center=(0, 0, 0), radius=1e-300), varlo.scale(1e-100)),
+            (varlo.mesh([(0, 0, 1e200), (0, 1, 0), (1, 0, 0)], [(0, 1, 2)]), varlo.scale(1e200)),
+        ]
+        for item, way in cases:
+            with self.subTest(item=item), self.assertRaisesRegex(
+                    varlo.SceneError, "unevenly|stays|same point|greater than 0|too large"):
+                written(varlo.surface(), way(item))
 
 
 if __name__ == "__main__":

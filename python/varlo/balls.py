@@ -34,6 +34,8 @@ class Spheres(Many):
     def transformed(self, transform: Transform) -> Spheres:
         """The spheres in their new places; raises `SceneError` where they are scaled unevenly."""
         factor = transform.factor("spheres", "a sphere has one radius")
+        if len(self.rows) and not min(row[3] for row in self.rows) * factor > 0:
+            raise SceneError("spheres", "radius", 0, "sphere radius must be greater than 0")
         np = numpy()
         if np is None:
             moved: Any = [(*transform.point(row[:3]), row[3] * factor) for row in self.rows]

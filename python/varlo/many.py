@@ -8,6 +8,7 @@ from typing import TYPE_CHECKING, Any, TypeVar
 from . import values
 from .arrays import numpy
 from .shading import surface
+from .values import SceneError
 
 if TYPE_CHECKING:
     from typing import Self
@@ -67,6 +68,8 @@ class Many:
             for first in range(0, len(self) if numbers is None else len(numbers), BLOCK):
                 block: Any = slice(first, first + BLOCK) if numbers is None else numbers[first:first + BLOCK]
                 lines, text = self.array_text(block) if np is not None else self.text(block)
+                if "inf" in text or "nan" in text:  # no word of these objects has either
+                    raise SceneError(type(self).__name__.lower(), "", None, "its numbers are too large there")
                 yield chosen, text, lines
 
 

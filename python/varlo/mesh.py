@@ -52,7 +52,8 @@ class Mesh(Many):
             bent: Any = None if self.normals is None else [
                 tuple(transform.normal(normal) for normal in corners[::step]) for corners in self.normals]
         else:
-            vertices = self.vertices @ np.array(transform[:3]) + np.array(transform.origin)
+            with np.errstate(over="ignore", invalid="ignore"):  # told when the text is made
+                vertices = self.vertices @ np.array(transform[:3]) + np.array(transform.origin)
             faces = self.faces[:, ::-1] if turned else self.faces
             bent = self.normals
             if bent is not None:

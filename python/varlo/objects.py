@@ -40,7 +40,7 @@ class sphere(Object):
 
     def transformed(self, transform: Transform) -> sphere:
         factor = transform.factor("sphere", "a sphere has one radius")
-        return self._copy(center=transform.point(self.center), radius=self.radius * factor)
+        return self._again(center=transform.point(self.center), radius=self.radius * factor)
 
 
 class plane(Object):
@@ -62,7 +62,7 @@ class plane(Object):
 
     def transformed(self, transform: Transform) -> plane:
         normal = transform.normal(self.normal).unit()
-        return self._copy(normal=normal, distance=normal.dot(transform.point(self.normal.unit() * self.distance)))
+        return self._again(normal=normal, distance=normal.dot(transform.point(self.normal.unit() * self.distance)))
 
 
 class _Round(Object):
@@ -103,7 +103,7 @@ class cylinder(_Round):
 
     def transformed(self, transform: Transform) -> cylinder:
         ends, factor = self._moved(transform)
-        return self._copy(**ends, radius=self.radius * factor)
+        return self._again(**ends, radius=self.radius * factor)
 
 
 class cone(_Round):
@@ -130,7 +130,7 @@ class cone(_Round):
 
     def transformed(self, transform: Transform) -> cone:
         ends, factor = self._moved(transform)
-        return self._copy(**ends, base_radius=self.base_radius * factor, cap_radius=self.cap_radius * factor)
+        return self._again(**ends, base_radius=self.base_radius * factor, cap_radius=self.cap_radius * factor)
 
 
 class disc(Object):
@@ -151,8 +151,8 @@ class disc(Object):
 
     def transformed(self, transform: Transform) -> disc:
         factor = transform.factor_across("disc", self.normal, "a disc has one radius")
-        return self._copy(center=transform.point(self.center), normal=transform.normal(self.normal).unit(),
-                          radius=self.radius * factor)
+        return self._again(center=transform.point(self.center), normal=transform.normal(self.normal).unit(),
+                           radius=self.radius * factor)
 
 
 class ring(Object):
@@ -177,9 +177,9 @@ class ring(Object):
 
     def transformed(self, transform: Transform) -> ring:
         factor = transform.factor_across("ring", self.normal, "a ring has two radii")
-        return self._copy(center=transform.point(self.center), normal=transform.normal(self.normal).unit(),
-                          internal_radius=self.internal_radius * factor,
-                          external_radius=self.external_radius * factor)
+        return self._again(center=transform.point(self.center), normal=transform.normal(self.normal).unit(),
+                           internal_radius=self.internal_radius * factor,
+                           external_radius=self.external_radius * factor)
 
 
 class triangle(Object):
@@ -198,7 +198,7 @@ class triangle(Object):
         return tidy("triangle { vertex <%r %r %r>  vertex <%r %r %r>  vertex <%r %r %r> }" % (*a, *b, *c))
 
     def transformed(self, transform: Transform) -> triangle:
-        return self._copy(vertex=[transform.point(corner) for corner in self.vertex])
+        return self._again(vertex=[transform.point(corner) for corner in self.vertex])
 
 
 class patch(Object):
@@ -223,8 +223,8 @@ class patch(Object):
         return tidy("patch { %s }" % ("vertex <%r %r %r> normal <%r %r %r>  " * 3 % tuple(corners)).rstrip())
 
     def transformed(self, transform: Transform) -> patch:
-        return self._copy(vertex=[transform.point(corner) for corner in self.vertex],
-                          normal=[transform.normal(normal) for normal in self.normal])
+        return self._again(vertex=[transform.point(corner) for corner in self.vertex],
+                           normal=[transform.normal(normal) for normal in self.normal])
 
 
 class polygon(Object):
@@ -249,4 +249,4 @@ class polygon(Object):
         return tidy(f"polygon {{ {len(self.vertex)}  {corners} }}")
 
     def transformed(self, transform: Transform) -> polygon:
-        return self._copy(vertex=[transform.point(corner) for corner in self.vertex])
+        return self._again(vertex=[transform.point(corner) for corner in self.vertex])

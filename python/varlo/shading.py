@@ -98,7 +98,7 @@ class light(Statement):
             changes["target"] = transform.point(self.target)
         if self.radius is not None and self.shadow_type == "smooth":
             changes["radius"] = self.radius * transform.factor(self.word, "a smooth light has one radius")
-        return self._copy(**changes)
+        return self._again(**changes)
 
 
 class surface(Statement):

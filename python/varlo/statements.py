@@ -7,7 +7,6 @@ z is up unless the camera says otherwise.
 
 from __future__ import annotations
 
-import copy
 from collections.abc import Iterator
 from typing import TYPE_CHECKING, ClassVar
 
@@ -49,10 +48,11 @@ class Statement:
     def __repr__(self) -> str:
         return self.text()
 
-    def _copy(self, **changes: object) -> Self:
-        other = copy.copy(self)
-        for name, value in changes.items():
-            setattr(other, name, value)
+    def _again(self, **changes: object) -> Self:
+        """The same from the same line with words changed, checked once more: rounding can bring points together."""
+        words = [name for kind in type(self).__mro__ for name in getattr(kind, "__slots__", ()) if name != "place"]
+        other = type(self)(**{name: getattr(self, name) for name in words} | changes)
+        other.place = self.place
         return other
 
     def _color(self, argument: str, value: ColorLike) -> Color | str:

@@ -116,7 +116,7 @@ class camera(Statement):
         look_at: Point,
         up: Point = (0, 0, 1),
         fov: float = 45,
-        ratio: float = 1.3333333333,
+        ratio: float = 4 / 3,
         projection_type: str = "flat",
         aperture: float = 0,
         focal_length: float | None = None,
@@ -148,7 +148,8 @@ class camera(Statement):
         parts = ["position " + vector_text(self.position), "look_at " + vector_text(self.look_at)]
         if tuple(self.up) != (0, 0, 1):
             parts.append("up " + vector_text(self.up))
-        parts += [f"fov {self.fov!r}", f"ratio {self.ratio!r}"]
+        parts += [f"{name} {value!r}" for name, value, usual in (
+            ("fov", self.fov, 45), ("ratio", self.ratio, 4 / 3)) if value != usual]
         if self.projection_type != "flat":
             parts.append(f'projection_type "{self.projection_type}"')
         if self.aperture:
@@ -172,7 +173,7 @@ class camera(Statement):
             changes["aperture"] = self.aperture * factor
             if self.focal_point is None:
                 changes["focal_length"] = (10.0 if self.focal_length is None else self.focal_length) * factor
-        return self._copy(**changes)
+        return self._again(**changes)
 
 
 def true_ratio(fov: float, width: float, height: float) -> float:

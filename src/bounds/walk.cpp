@@ -88,9 +88,6 @@ struct Stack {
     int size = 0;
 };
 
-/// What a walk looks for: the nearest object, or any that the heap would have come to.
-enum class Job { NEAREST, ANY };
-
 /// What a walk found: the distances of the nearest hit and of the next one behind it, and a bound on the
 /// entries of the heap.
 struct Findings {

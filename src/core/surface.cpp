@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <span>
 
 static constinit const SurfaceAttrib* latest = nullptr; // that an object was given
 
 /// Whether all bits are the same: a zero has a sign, and something that is no number is like itself.
 static bool isSame(const SurfaceAttrib& a, const SurfaceAttrib& b)
 {
-    const auto bytes = [](const SurfaceAttrib& s) { return std::as_bytes(std::span(&s, 1)); };
-    return std::equal(bytes(a).begin(), bytes(a).end(), bytes(b).begin()); // none of them is padding
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&a); // none of them is padding
+    return std::equal(bytes, bytes + sizeof a, reinterpret_cast<const unsigned char*>(&b));
 }
 
 bool setSurfaceAttrib(Object* object, double red, double green, double blue, double ambient, double diffuse,
