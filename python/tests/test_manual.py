@@ -5,7 +5,7 @@ import importlib.util
 import io
 import os
 import re
-import sys
+import runpy
 import tempfile
 import unittest
 from pathlib import Path
@@ -42,13 +42,8 @@ class Manual(unittest.TestCase):
             if path.stem in NEEDS and not importlib.util.find_spec(NEEDS[path.stem]):
                 continue
             with self.subTest(path.stem):
-                spec = importlib.util.spec_from_file_location(path.stem, path)
-                assert spec is not None and spec.loader is not None
-                module = importlib.util.module_from_spec(spec)
-                before, sys.dont_write_bytecode = sys.dont_write_bytecode, True
-                spec.loader.exec_module(module)
-                sys.dont_write_bytecode = before
-                module.build().render("small.png", width=32, height=18, antialias="none")
+                scene = runpy.run_path(str(path))["build"]()
+                scene.render("small.png", width=32, height=18, antialias="none")
                 self.assertGreater(os.path.getsize("small.png"), 500)
 
 
