@@ -84,7 +84,7 @@ static void samplePixel(Sampler& s, size_t column, int row, unsigned char bytes[
     sampleAt(static_cast<double>(column) + dx, row + dy, &s.ray, &s.level, bytes);
 }
 
-static void deliver(unsigned char* line, int row)
+static void deliver(const unsigned char* line, int row)
 {
     writeImageLine(line, row);
     showProgress(row);
@@ -117,21 +117,20 @@ void* scanCorners(void* band)
     if (s.band.first >= s.band.end)
         return nullptr;
     const size_t size = 3 * (s.width + 1);
-    unsigned char* lines = newLine(3 * size, LINE_FAULT);
+    unsigned char* lines = newLine(2 * size, LINE_FAULT);
     if (lines == nullptr)
         return nullptr;
     unsigned char* previous = lines;
     unsigned char* current = lines + size;
-    unsigned char* output = lines + 2 * size; // the sink may change what it gets: never a sample line
 
     // The row above the band, so that its first row has both lines whatever the number of threads is.
     sampleLine(s, s.band.first - 1, previous);
     for (int row = s.band.first; row < s.band.end; ++row) {
         sampleLine(s, row, current);
-        for (size_t i = 0; i < 3 * s.width; ++i)
-            output[i] = static_cast<unsigned char>(
+        for (size_t i = 0; i < 3 * s.width; ++i) // in the place of samples that are not needed again
+            previous[i] = static_cast<unsigned char>(
                 (current[i] + current[i + 3] + previous[i] + previous[i + 3]) >> 2);
-        deliver(output, row);
+        deliver(previous, row);
         std::swap(previous, current);
     }
     free(lines);

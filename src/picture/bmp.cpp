@@ -1,8 +1,6 @@
-#include "picture/bmp.h"
+#include "picture/writer.h"
 
 constexpr std::uint64_t HEADER_SIZE = 54;
-
-static constinit FILE* fp = nullptr;
 
 /// Zero bytes behind each row of the file, which make its length a multiple of 4.
 static std::size_t paddingSize(int width)
@@ -30,33 +28,17 @@ static void writeBMPHeader(int width, int height)
         {0, 8},                                 // resolution, across and down
         {0, 8},                                 // colours of a palette
     };
-    writeFields(fp, fields);
-}
-
-static int openBMP(const char* name, int width, int height)
-{
-    fp = createFile(name);
-    if (fp == nullptr)
-        return -1;
-    writeBMPHeader(width, height);
-    return newPicture(width, height);
-}
-
-static int writeBMPLine(unsigned char* line, int y)
-{
-    swapRedBlue(line);
-    copyRow(line, y);
-    return myDisplay.width;
+    writeFields(fields);
 }
 
 static void closeBMP()
 {
     static constexpr unsigned char padding[3] = {};
     for (int y = myDisplay.height - 1; y >= 0; --y) {
-        writeBytes(fp, pictureRow(y), rowSize(myDisplay.width));
-        writeBytes(fp, padding, paddingSize(myDisplay.width));
+        writeBytes(pictureRow(y), rowSize(myDisplay.width));
+        writeBytes(padding, paddingSize(myDisplay.width));
     }
-    closeFile(fp);
+    closeFile();
 }
 
-constexpr Writer writerBMP = {".bmp", openBMP, writeBMPLine, closeBMP};
+constexpr Writer writerBMP = {".bmp", openWithHeader<writeBMPHeader>, copyTurnedRow, closeBMP};

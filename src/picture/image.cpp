@@ -1,12 +1,7 @@
 #include "picture/image.h"
 
 #include "core/fatal.h"
-#include "picture/bmp.h"
-#include "picture/jpg.h"
-#include "picture/png.h"
-#include "picture/ppm.h"
-#include "picture/tga.h"
-#include "picture/tiff.h"
+#include "picture/writer.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -35,7 +30,7 @@ int openImage(const char* name, int width, int height)
     return 0;
 }
 
-int writeImageLine(unsigned char* line, int y)
+int writeImageLine(const unsigned char* line, int y)
 {
     writers[iImageType]->row(line, y);
     return 0;

@@ -8,9 +8,8 @@
 int openImage(const char* name, int width, int height);
 
 /// Takes row `y`, 0 at the top, of 3 * myDisplay.width bytes: red, green, blue. It may be called from many
-/// threads at once, in any order of rows; a row that comes twice replaces itself. The bytes of `line` are
-/// undefined afterwards. Returns 0.
-int writeImageLine(unsigned char* line, int y);
+/// threads at once, in any order of rows; a row that comes twice replaces itself. Returns 0.
+int writeImageLine(const unsigned char* line, int y);
 
 /// Writes the picture to its file. A failed write ends the run with status 1, a failed TIFF row with 0.
 void closeImage();

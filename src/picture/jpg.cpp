@@ -1,4 +1,4 @@
-#include "picture/jpg.h"
+#include "picture/writer.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,9 +9,6 @@
 constexpr int DEFAULT_QUALITY = 90;
 constexpr int MAX_QUALITY = 100;
 
-static constinit FILE* outfile = nullptr;
-static constinit int image_width = 0, image_height = 0;
-
 static int openJPG(const char* name, int width, int height)
 {
     if (std::max(width, height) > JPEG_MAX_DIMENSION) {
@@ -19,42 +16,24 @@ static int openJPG(const char* name, int width, int height)
         errno = EINVAL;
         return -1;
     }
-    outfile = createFile(name);
-    if (outfile == nullptr)
-        return -1;
-    image_width = width;
-    image_height = height;
-    return newPicture(width, height);
-}
-
-static int writeJPGLine(unsigned char* line, int y)
-{
-    return copyRow(line, y);
-}
-
-static void limitQuality()
-{
-    if (jpeg_quality <= 0)
-        jpeg_quality = DEFAULT_QUALITY;
-    else if (jpeg_quality > MAX_QUALITY)
-        jpeg_quality = MAX_QUALITY;
+    return createFile(name) ? newPicture(width, height) : -1;
 }
 
 static void closeJPG()
 {
-    limitQuality();
     jpeg_compress_struct cinfo;
     jpeg_error_mgr errors; // the default one: an error is printed and ends the run with status 1
     cinfo.err = jpeg_std_error(&errors);
     jpeg_create_compress(&cinfo);
-    jpeg_stdio_dest(&cinfo, outfile);
+    jpeg_stdio_dest(&cinfo, pictureFile);
 
-    cinfo.image_width = static_cast<JDIMENSION>(image_width);
-    cinfo.image_height = static_cast<JDIMENSION>(image_height);
+    cinfo.image_width = static_cast<JDIMENSION>(myDisplay.width);
+    cinfo.image_height = static_cast<JDIMENSION>(myDisplay.height);
     cinfo.input_components = 3;
     cinfo.in_color_space = JCS_RGB;
     jpeg_set_defaults(&cinfo); // goes by the colour space, and would undo the quality
-    jpeg_set_quality(&cinfo, jpeg_quality, TRUE);
+    const int quality = jpeg_quality <= 0 ? DEFAULT_QUALITY : std::min(jpeg_quality, MAX_QUALITY);
+    jpeg_set_quality(&cinfo, quality, TRUE);
 
     jpeg_start_compress(&cinfo, TRUE);
     while (cinfo.next_scanline < cinfo.image_height) {
@@ -62,8 +41,8 @@ static void closeJPG()
         jpeg_write_scanlines(&cinfo, rows, 1);
     }
     jpeg_finish_compress(&cinfo);
-    closeFile(outfile);
+    closeFile();
     jpeg_destroy_compress(&cinfo);
 }
 
-constexpr Writer writerJPG = {".jpg", openJPG, writeJPGLine, closeJPG};
+constexpr Writer writerJPG = {".jpg", openJPG, copyRow, closeJPG};

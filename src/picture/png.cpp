@@ -1,10 +1,9 @@
-#include "picture/png.h"
+#include "picture/writer.h"
 
 #include <csetjmp>
 #include <cstdlib>
 #include <png.h>
 
-static constinit FILE* fp = nullptr;
 static constinit png_structp png_ptr = nullptr;
 static constinit png_infop info_ptr = nullptr;
 
@@ -22,29 +21,17 @@ static void writePNGHeader(int width, int height)
 
 static int openPNG(const char* name, int width, int height)
 {
-    fp = createFile(name);
-    if (fp == nullptr)
+    if (!createFile(name))
         return -1;
     png_ptr = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    if (png_ptr == nullptr)
+    info_ptr = png_create_info_struct(png_ptr); // of nothing: null too
+    if (info_ptr == nullptr)
         return -1;
-    info_ptr = png_create_info_struct(png_ptr);
-    if (info_ptr == nullptr) {
-        png_destroy_write_struct(&png_ptr, nullptr);
+    if (setjmp(png_jmpbuf(png_ptr)) != 0)
         return -1;
-    }
-    if (setjmp(png_jmpbuf(png_ptr)) != 0) {
-        png_destroy_write_struct(&png_ptr, &info_ptr);
-        return -1;
-    }
-    png_init_io(png_ptr, fp);
+    png_init_io(png_ptr, pictureFile);
     writePNGHeader(width, height);
     return newPicture(width, height);
-}
-
-static int writePNGLine(unsigned char* line, int y)
-{
-    return copyRow(line, y);
 }
 
 static void writePNGPixels()
@@ -62,7 +49,7 @@ static void closePNG()
         exit(EXIT_FAILURE);
     writePNGPixels();
     png_destroy_write_struct(&png_ptr, &info_ptr);
-    closeFile(fp);
+    closeFile();
 }
 
-constexpr Writer writerPNG = {".png", openPNG, writePNGLine, closePNG};
+constexpr Writer writerPNG = {".png", openPNG, copyRow, closePNG};

@@ -1,6 +1,4 @@
-#include "picture/tga.h"
-
-static constinit FILE* fp = nullptr;
+#include "picture/writer.h"
 
 static void writeTGAHeader(int width, int height)
 {
@@ -14,29 +12,7 @@ static void writeTGAHeader(int width, int height)
         {24, 1},                                 // bits per pixel
         {0x20, 1},                               // the top row comes first
     };
-    writeFields(fp, fields);
+    writeFields(fields);
 }
 
-static int openTGA(const char* name, int width, int height)
-{
-    fp = createFile(name);
-    if (fp == nullptr)
-        return -1;
-    writeTGAHeader(width, height);
-    return newPicture(width, height);
-}
-
-static int writeTGALine(unsigned char* line, int y)
-{
-    swapRedBlue(line);
-    copyRow(line, y);
-    return myDisplay.width;
-}
-
-static void closeTGA()
-{
-    writeBytes(fp, image, rowSize(myDisplay.width) * static_cast<std::size_t>(myDisplay.height));
-    closeFile(fp);
-}
-
-constexpr Writer writerTGA = {".tga", openTGA, writeTGALine, closeTGA};
+constexpr Writer writerTGA = {".tga", openWithHeader<writeTGAHeader>, copyTurnedRow, closeWithPicture};

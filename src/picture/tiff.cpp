@@ -1,4 +1,4 @@
-#include "picture/tiff.h"
+#include "picture/writer.h"
 
 #include "core/fatal.h"
 
@@ -8,8 +8,7 @@
 #include <unistd.h>
 #include <utility>
 
-static constinit FILE* file = nullptr; // which libtiff writes to by its number
-static constinit TIFF* fp = nullptr;
+static constinit TIFF* fp = nullptr; // writes to the file by its number
 
 /// An offset in the file has 32 bits. Beside its bytes a row has its offset and its length there.
 static bool fits(int width, int height)
@@ -42,20 +41,14 @@ static int openTIFF(const char* name, int width, int height)
         return -1;
     }
     // For reading too: a pipe nobody reads from opens at once then, and is found to be one.
-    file = createFile(name, "w+b");
-    if (file == nullptr || lseek(fileno(file), 0, SEEK_CUR) < 0)
+    if (!createFile(name, "w+b") || lseek(fileno(pictureFile), 0, SEEK_CUR) < 0)
         return -1;
     // The sink tells why a file cannot be begun, in the same words for all formats.
     const TIFFErrorHandler handler = TIFFSetErrorHandler(nullptr);
-    fp = TIFFFdOpen(fileno(file), name, "w");
+    fp = TIFFFdOpen(fileno(pictureFile), name, "w");
     const bool isReady = fp != nullptr && writeTIFFHeader(width, height) == 0;
     TIFFSetErrorHandler(handler);
     return isReady ? newPicture(width, height) : -1;
-}
-
-static int writeTIFFLine(unsigned char* line, int y)
-{
-    return copyRow(line, y);
 }
 
 static void closeTIFF()
@@ -74,7 +67,7 @@ static void closeTIFF()
     if (errno != 0) // a seek, whose result libtiff does not look at
         endForFile(TIFFFileName(fp), errno, EXIT_FAILURE);
     TIFFCleanup(fp);
-    closeFile(file);
+    closeFile();
 }
 
-constexpr Writer writerTIFF = {".tif", openTIFF, writeTIFFLine, closeTIFF};
+constexpr Writer writerTIFF = {".tif", openTIFF, copyRow, closeTIFF};

@@ -7,9 +7,10 @@
 #include <cstring>
 #include <utility>
 
+constinit FILE* pictureFile = nullptr;
 constinit unsigned char* image = nullptr;
 
-static constinit char fileName[FILE_NAME_SIZE] = ""; // of the latest created file, for a failed write
+static constinit char fileName[FILE_NAME_SIZE] = ""; // of the file, for a failed write
 
 int newPicture(int width, int height)
 {
@@ -22,42 +23,50 @@ unsigned char* pictureRow(int y)
     return image + static_cast<std::size_t>(y) * rowSize(myDisplay.width);
 }
 
-int copyRow(const unsigned char* line, int y)
+void copyRow(const unsigned char* line, int y)
 {
     memcpy(pictureRow(y), line, rowSize(myDisplay.width));
-    return 0;
 }
 
-void swapRedBlue(unsigned char* line)
+void copyTurnedRow(const unsigned char* line, int y)
 {
-    for (const unsigned char* end = line + rowSize(myDisplay.width); line != end; line += 3)
-        std::swap(line[0], line[2]);
+    copyRow(line, y);
+    unsigned char* row = pictureRow(y);
+    for (const unsigned char* end = row + rowSize(myDisplay.width); row != end; row += 3)
+        std::swap(row[0], row[2]);
 }
 
-FILE* createFile(const char* name, const char* mode)
+bool createFile(const char* name, const char* mode)
 {
     snprintf(fileName, sizeof fileName, "%s", name);
-    return fopen(name, mode);
+    pictureFile = fopen(name, mode);
+    return pictureFile != nullptr;
 }
 
-void writeBytes(FILE* fp, const void* bytes, std::size_t count)
+void writeBytes(const void* bytes, std::size_t count)
 {
-    if (fwrite(bytes, 1, count, fp) != count)
+    if (fwrite(bytes, 1, count, pictureFile) != count)
         endForFile(fileName, errno, EXIT_FAILURE);
 }
 
-void writeFields(FILE* fp, std::span<const Field> fields)
+void writeFields(std::span<const Field> fields)
 {
     for (const Field& field : fields) {
         for (int i = 0; i < field.size; ++i) {
             const unsigned char byte = (field.value >> 8 * i) & 0xff;
-            writeBytes(fp, &byte, 1);
+            writeBytes(&byte, 1);
         }
     }
 }
 
-void closeFile(FILE* fp)
+void closeFile()
 {
-    if (fclose(fp) != 0)
+    if (fclose(pictureFile) != 0)
         endForFile(fileName, errno, EXIT_FAILURE);
+}
+
+void closeWithPicture()
+{
+    writeBytes(image, rowSize(myDisplay.width) * static_cast<std::size_t>(myDisplay.height));
+    closeFile();
 }

@@ -17,12 +17,14 @@ struct Writer {
     /// Creates the file `name` and a black picture. Returns 0, or -1 with the reason in `errno`.
     int (*open)(const char* name, int width, int height);
     /// Takes row `y`, 0 at the top, of 3 * myDisplay.width bytes: red, green, blue. Runs in many threads at
-    /// once, each with rows of its own. It may change the bytes of `line`. Returns 0 unless told otherwise.
-    int (*row)(unsigned char* line, int y);
+    /// once, each with rows of its own.
+    void (*row)(const unsigned char* line, int y);
     /// Writes the picture of the size in myDisplay and closes the file. A failed write ends the run with
     /// status 1 and the words of the system or the library on standard error.
     void (*close)();
 };
+
+extern const Writer writerTGA, writerBMP, writerPPM, writerPNG, writerJPG, writerTIFF;
 
 // What the writers share. The picture in memory is rows without gaps, row 0 first.
 
@@ -38,7 +40,9 @@ constexpr std::size_t rowSize(int width)
     return 3 * static_cast<std::size_t>(width);
 }
 
-/// The bytes of the picture between open and close; red, green, blue unless the row operation turned them.
+// Between open and close: the file, and the bytes of the picture, red, green, blue unless the row operation
+// turned them.
+extern FILE* pictureFile;
 extern unsigned char* image;
 
 /// Makes `image`, black, at the end of an `open`, and returns what that has to.
@@ -47,19 +51,31 @@ int newPicture(int width, int height);
 /// Row `y` of a picture that is `myDisplay.width` pixels wide.
 unsigned char* pictureRow(int y);
 
-/// Copies a row of `myDisplay.width` pixels to its place and returns 0. Safe from many threads at once, as
-/// long as each has rows of its own.
-int copyRow(const unsigned char* line, int y);
+/// A row operation that copies the row to its place.
+void copyRow(const unsigned char* line, int y);
 
-/// Turns the red, green, blue of a row of `myDisplay.width` pixels into blue, green, red, or back.
-void swapRedBlue(unsigned char* line);
+/// Likewise, turned into blue, green, red.
+void copyTurnedRow(const unsigned char* line, int y);
 
-/// Creates a file, or empties it. Null if that fails, with the reason in `errno`.
-FILE* createFile(const char* name, const char* mode = "wb");
+/// Creates the file, or empties it. False if that fails, with the reason in `errno`.
+bool createFile(const char* name, const char* mode = "wb");
 
-// These three end the run with status 1 if a write fails, and print the name of the latest created file
-// with the words of the system on standard error: a short file shall not look like a success.
+/// The open operation of a format that needs nothing but a header.
+template <void (*writeHeader)(int width, int height)>
+int openWithHeader(const char* name, int width, int height)
+{
+    if (!createFile(name))
+        return -1;
+    writeHeader(width, height);
+    return newPicture(width, height);
+}
 
-void writeBytes(FILE* fp, const void* bytes, std::size_t count);
-void writeFields(FILE* fp, std::span<const Field> fields);
-void closeFile(FILE* fp);
+// These end the run with status 1 if a write fails, and print the name of the file with the words of the
+// system on standard error: a short file shall not look like a success.
+
+void writeBytes(const void* bytes, std::size_t count);
+void writeFields(std::span<const Field> fields);
+void closeFile();
+
+/// The close operation of a format that has the picture in its file as it is in memory.
+void closeWithPicture();

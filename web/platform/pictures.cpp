@@ -1,6 +1,4 @@
-#include "picture/jpg.h"
-#include "picture/png.h"
-#include "picture/tiff.h"
+#include "picture/writer.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -23,7 +21,7 @@ static int openPage(const char*, int width, int height)
     return 0;
 }
 
-static int writePageLine(unsigned char* line, int y)
+static void writePageLine(const unsigned char* line, int y)
 {
     const auto width = static_cast<size_t>(myDisplay.width);
     unsigned char* row = shown + 4 * width * static_cast<size_t>(y);
@@ -37,7 +35,6 @@ static int writePageLine(unsigned char* line, int y)
     // Nobody else sees this memory. Threads that share it had better leave the page alone.
     EM_ASM({ Module['row']($0, $1); }, row, y);
 #endif
-    return 0;
 }
 
 static void closePage()

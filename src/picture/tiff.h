@@ -1,5 +1,0 @@
-#pragma once
-
-#include "picture/writer.h"
-
-extern const Writer writerTIFF;
