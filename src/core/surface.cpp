@@ -13,25 +13,8 @@ static bool isSame(const SurfaceAttrib& a, const SurfaceAttrib& b)
     return std::equal(bytes, bytes + sizeof a, reinterpret_cast<const unsigned char*>(&b));
 }
 
-bool setSurfaceAttrib(Object* object, double red, double green, double blue, double ambient, double diffuse,
-                      double brilliance, double specular, double roughness, double reflection,
-                      double refraction, double refractionIndex, int reflectionType, int reflectionSamples,
-                      double reflectionRadius)
+bool setSurfaceAttrib(Object* object, const SurfaceAttrib& wanted)
 {
-    const SurfaceAttrib wanted = {
-        .color = {red, green, blue},
-        .ambient = ambient,
-        .diffuse = diffuse,
-        .brilliance = brilliance,
-        .specular = specular,
-        .roughness = roughness,
-        .reflection = reflection,
-        .reflectionType = reflectionType,
-        .reflectionSamples = reflectionSamples,
-        .reflectionRadius = reflectionRadius,
-        .refraction = refraction,
-        .refractionIndex = refractionIndex,
-    };
     if (latest == nullptr || !isSame(wanted, *latest)) {
         auto* record = static_cast<SurfaceAttrib*>(malloc(sizeof wanted));
         if (record == nullptr)

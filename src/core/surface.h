@@ -21,12 +21,8 @@ struct SurfaceAttrib {
 };
 
 /// Gives `object` a surface of these values. Objects that get the same one after another share a record,
-/// which lasts to the end of the process. Mind the order, which is not that of the fields: sharpness of the
-/// reflection comes behind everything else. False without memory; then the object is as it was.
-bool setSurfaceAttrib(Object* object, double red, double green, double blue, double ambient, double diffuse,
-                      double brilliance, double specular, double roughness, double reflection,
-                      double refraction, double refractionIndex, int reflectionType, int reflectionSamples,
-                      double reflectionRadius);
+/// which lasts to the end of the process. False without memory; then the object is as it was.
+bool setSurfaceAttrib(Object* object, const SurfaceAttrib& wanted);
 
 /// Lets the next object have a new record, whatever its surface is.
 void forgetSurface();

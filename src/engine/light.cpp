@@ -6,27 +6,15 @@
 #include <cstdio>
 #include <cstdlib>
 
-void makeLight(Vec position, Color color, int lightType, int attenuation, int shadowType, double radius,
-               int samples, double cosMinAngle, double cosMaxAngle, Vec direction)
+void makeLight(const Light& wanted)
 {
     auto* self = static_cast<Light*>(malloc(sizeof(Light)));
     if (self == nullptr) {
         printf(" Memory allocation for light failed. Light not added to scene.");
         return;
     }
-    *self = {
-        .head = {},
-        .color = color,
-        .position = position,
-        .direction = unit(direction),
-        .lightType = lightType,
-        .shadowType = shadowType,
-        .attenuation = attenuation,
-        .samples = samples,
-        .radius = radius,
-        .cosMinAngle = cosMinAngle,
-        .cosMaxAngle = cosMaxAngle,
-    };
+    *self = wanted;
+    self->direction = unit(wanted.direction);
     self->head.type = LIGHT;
     addToList(&myLightList, &self->head);
 }

@@ -10,22 +10,21 @@ enum ShadowType { SHARP_SHADOW, SMOOTH_SHADOW };
 enum Attenuation { NO_ATTENUATION, BY_DISTANCE, BY_SQUARED_DISTANCE };
 
 struct Light {
-    Object head;
-    Color color;
-    Vec position;
-    Vec direction; // unit, towards the target of a spot; of no meaning for a point light
-    int lightType;
-    int shadowType;
-    int attenuation;
-    int samples;   // shadow rays of a smooth shadow
-    double radius; // size of the light for a smooth shadow
-    double cosMinAngle, cosMaxAngle;
+    Object head{};
+    Color color{};
+    Vec position{};
+    Vec direction{}; // unit, towards the target of a spot; of no meaning for a point light
+    int lightType = POINT_LIGHT;
+    int shadowType = SHARP_SHADOW;
+    int attenuation = NO_ATTENUATION;
+    int samples = 0;     // shadow rays of a smooth shadow
+    double radius = 0.0; // size of the light for a smooth shadow
+    double cosMinAngle = 0.0, cosMaxAngle = 0.0;
 };
 
-/// Makes a light and puts it onto myLightList; mind that the attenuation comes ahead of the shadow type.
-/// `direction` need not be unit. Without memory it says so on standard output and adds nothing.
-void makeLight(Vec position, Color color, int lightType, int attenuation, int shadowType, double radius,
-               int samples, double cosMinAngle, double cosMaxAngle, Vec direction);
+/// Puts a light like `wanted`, whose direction need not be unit, onto myLightList. Without memory it says so
+/// on standard output and adds nothing.
+void makeLight(const Light& wanted);
 
 /// Fills `ray` from `point` to the light and returns the distance between them.
 double makeLightRay(const Object* light, Vec point, Ray* ray);

@@ -17,12 +17,6 @@
 
 static constinit Model3DS g_3DModel{};
 
-/// What all lights of a model have in common.
-struct LightSettings {
-    int attenuation, shadowType, samples;
-    double radius;
-};
-
 static constexpr ModelMaterial GREY = {.name = "", .textureFile = "", .rgb = {204, 204, 204}};
 
 // Focal lengths, and the field of view in degrees that belongs to each.
@@ -72,14 +66,16 @@ static void placeCamera(const Model3DS& model, const char* fileName)
     setCamera(toVec(camera.position), toVec(camera.target), computeFOV(camera.lens));
 }
 
-static void placeLights(const Model3DS& model, const LightSettings& settings, const char* fileName)
+/// `light` has what all lights of the model have in common.
+static void placeLights(const Model3DS& model, Light light, const char* fileName)
 {
     if (model.numLights == 0)
         printf(" No light defined in %s.\n", fileName);
     for (int i = 0; i < model.numLights; ++i) {
-        const ModelLight& light = model.lights[i];
-        makeLight(toVec(light.position), {light.color[0], light.color[1], light.color[2]}, POINT_LIGHT,
-                  settings.attenuation, settings.shadowType, settings.radius, settings.samples, 0.0, 0.0, {});
+        const ModelLight& source = model.lights[i];
+        light.position = toVec(source.position);
+        light.color = {source.color[0], source.color[1], source.color[2]};
+        makeLight(light);
     }
 }
 
@@ -89,9 +85,13 @@ static bool paint(Object* patch, const ModelMaterial& material)
     // Divided as floats: the same 256 values, and g++ 12 drops the rounding of (double)(float)(value / 255.0)
     // where it takes two channels at a time.
     const auto channel = [](std::uint8_t value) { return static_cast<float>(value) / 255.0F; };
-    return setSurfaceAttrib(patch, channel(material.rgb[0]), channel(material.rgb[1]),
-                            channel(material.rgb[2]), 0.3, 0.375, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0,
-                            SHARP_REFLECTION, 0, 0.0);
+    return setSurfaceAttrib(
+        patch, {.color = {channel(material.rgb[0]), channel(material.rgb[1]), channel(material.rgb[2])},
+                .ambient = 0.3,
+                .diffuse = 0.375,
+                .reflectionSamples = 0,
+                .reflectionRadius = 0.0,
+                .refractionIndex = 0.0});
 }
 
 /// False without memory.
@@ -123,14 +123,14 @@ static bool placeObjects(const Model3DS& model)
     return true;
 }
 
-static int assemble(const char* modelName, const LightSettings& settings, const char* fileName)
+static int assemble(const char* modelName, const Light& light, const char* fileName)
 {
     if (import3DS(&g_3DModel, modelName, 1) == 0) {
         printf(" An error occured while loading %s\n", fileName);
         return -1;
     }
     placeCamera(g_3DModel, fileName);
-    placeLights(g_3DModel, settings, fileName);
+    placeLights(g_3DModel, light, fileName);
     if (!placeObjects(g_3DModel)) {
         fputs(" No memory for the faces of the model\n", stderr);
         return -1;
@@ -155,12 +155,11 @@ int parse3ds(const char* fileName)
     }
     sourceName = fileName;
     char modelName[INPUT_NAME_SIZE] = "";
-    LightSettings lights{};
-    yy_3DSSettings(stream, modelName, &lights.attenuation, &lights.shadowType, &lights.samples,
-                   &lights.radius, &iCameraIndex);
+    Light light;
+    yy_3DSSettings(stream, modelName, &light);
     fclose(stream);
 
-    const int status = assemble(modelName, lights, fileName);
+    const int status = assemble(modelName, light, fileName);
     freeModel(&g_3DModel);
     return status;
 }

@@ -1,7 +1,6 @@
 #include "import3ds/settings3ds.h"
 
 #include "core/settings.h"
-#include "engine/light.h"
 #include "scene/block.h"
 #include "scene/lexer.h"
 #include "scene/shading.h"
@@ -17,8 +16,7 @@ static bool names3DSFile(char* name)
     return strstr(name, ".3ds") != nullptr;
 }
 
-void yy_3DSSettings(FILE* stream, char* inputName, int* attenuation, int* shadowType, int* samples,
-                    double* radius, int* cameraIndex)
+void yy_3DSSettings(FILE* stream, char* inputName, Light* light)
 {
     openBlock(stream);
     iImageType = TGA;
@@ -29,18 +27,18 @@ void yy_3DSSettings(FILE* stream, char* inputName, int* attenuation, int* shadow
         any("focal_length", &myViewPoint.focalLength),
         any("focal_point", &focalPoint),
         any("camera_samples", &myViewPoint.samples, isAboveZero, CAMERA_SAMPLES_FAULT),
-        any("camera_index", cameraIndex),
-        choice("attenuation_type", attenuation, attenuationTypes, ATTENUATION_FAULT),
-        choice("shadow_type", shadowType, shadowTypes, SHADOW_FAULT),
-        any("radius", radius, isAboveZero, LIGHT_RADIUS_FAULT),
-        any("light_samples", samples, isAboveZero, LIGHT_SAMPLES_FAULT),
+        any("camera_index", &iCameraIndex),
+        choice("attenuation_type", &light->attenuation, attenuationTypes, ATTENUATION_FAULT),
+        choice("shadow_type", &light->shadowType, shadowTypes, SHADOW_FAULT),
+        any("radius", &light->radius, isAboveZero, LIGHT_RADIUS_FAULT),
+        any("light_samples", &light->samples, isAboveZero, LIGHT_SAMPLES_FAULT),
     };
     startPicture();
     const auto sharedWords = pictureWords();
     std::vector<BlockWord> words(sharedWords.begin(), sharedWords.end());
     words.insert(words.end(), std::begin(ownWords), std::end(ownWords));
     readWords(stream, words, " Unkown parameter in 3ds settings structure");
-    if (*shadowType == SMOOTH_SHADOW &&
+    if (light->shadowType == SMOOTH_SHADOW &&
         (countOf(words, "radius") != 1 || countOf(words, "light_samples") != 1))
         yyerror(" Error in lights specifications - missing parameters");
     setFocus(words, focalPoint);

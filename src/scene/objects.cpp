@@ -20,11 +20,7 @@ using namespace block;
 /// The end of every object block: it gets the current surface, and is counted.
 static void finishObject(Object* object, int* count)
 {
-    const SurfaceAttrib& s = surface;
-    if (object == nullptr ||
-        !setSurfaceAttrib(object, s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse,
-                          s.brilliance, s.specular, s.roughness, s.reflection, s.refraction,
-                          s.refractionIndex, s.reflectionType, s.reflectionSamples, s.reflectionRadius))
+    if (object == nullptr || !setSurfaceAttrib(object, surface))
         yyerror(NO_MEMORY);
     ++*count;
 }

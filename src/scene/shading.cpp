@@ -66,41 +66,37 @@ static bool toHalfAngleCosine(double* degrees)
 
 void yy_light(FILE* stream)
 {
-    Vec position{}, target{};
-    Color color{};
-    int lightType = POINT_LIGHT, attenuation = BY_SQUARED_DISTANCE, shadowType = SHARP_SHADOW, samples = 0;
-    double radius = 0.0;
-    double cosMinAngle = std::cos(PI / 36.0), cosMaxAngle = std::cos(PI / 12.0);
-
+    Vec target{};
+    Light light{.attenuation = BY_SQUARED_DISTANCE,
+                .cosMinAngle = std::cos(PI / 36.0),
+                .cosMaxAngle = std::cos(PI / 12.0)};
     BlockWord words[] = {
-        once("position", &position),
-        once("color", &color, isLightColor, COLOR_FAULT),
-        choice("light_type", &lightType, lightTypes, " invalid light type specified"),
+        once("position", &light.position),
+        once("color", &light.color, isLightColor, COLOR_FAULT),
+        choice("light_type", &light.lightType, lightTypes, " invalid light type specified"),
         any("target", &target),
-        choice("attenuation_type", &attenuation, attenuationTypes, ATTENUATION_FAULT),
-        choice("shadow_type", &shadowType, shadowTypes, SHADOW_FAULT),
-        any("radius", &radius, isAboveZero, LIGHT_RADIUS_FAULT),
-        also("samples", any("light_samples", &samples, isAboveZero, LIGHT_SAMPLES_FAULT)),
-        any("min_angle", &cosMinAngle, toHalfAngleCosine),
-        any("max_angle", &cosMaxAngle, toHalfAngleCosine),
+        choice("attenuation_type", &light.attenuation, attenuationTypes, ATTENUATION_FAULT),
+        choice("shadow_type", &light.shadowType, shadowTypes, SHADOW_FAULT),
+        any("radius", &light.radius, isAboveZero, LIGHT_RADIUS_FAULT),
+        also("samples", any("light_samples", &light.samples, isAboveZero, LIGHT_SAMPLES_FAULT)),
+        any("min_angle", &light.cosMinAngle, toHalfAngleCosine),
+        any("max_angle", &light.cosMaxAngle, toHalfAngleCosine),
     };
     readBlock(stream, words, " Unkown parameter in light structure");
 
     static constexpr const char* missing = " Error in light structure - missing parameters";
     const bool aimed = countOf(words, "target") > 0;
-    Vec direction{};
     if (aimed) {
-        direction = target - position;
-        if (dot(direction, direction) == 0.0)
+        light.direction = target - light.position;
+        if (dot(light.direction, light.direction) == 0.0)
             yyerror(" Error in light structure - invalid target");
     }
     requireCounts(words, missing);
-    if (shadowType == SMOOTH_SHADOW &&
+    if (light.shadowType == SMOOTH_SHADOW &&
         (countOf(words, "radius") != 1 || countOf(words, "light_samples") != 1))
         yyerror(missing);
-    if (lightType == SPOT_LIGHT && !aimed)
+    if (light.lightType == SPOT_LIGHT && !aimed)
         yyerror(missing); // it would shine nowhere
-    makeLight(position, color, lightType, attenuation, shadowType, radius, samples, cosMinAngle, cosMaxAngle,
-              direction);
+    makeLight(light);
     ++iNumLight;
 }

@@ -20,7 +20,7 @@ struct SamplerTest : SceneTest {
         myDisplay.width = WIDTH, myDisplay.height = HEIGHT;
         myBackGroundColor = {0.2, 0.4, 0.9};
         screenInit();
-        makeLight({5, -9, 7}, {0.5, 0.25, 0.1}, POINT_LIGHT, NO_ATTENUATION, SHARP_SHADOW, 0, 0, 0, 0, {});
+        makeLight({.color = {0.5, 0.25, 0.1}, .position = {5, -9, 7}});
         paint(makeSphere({0.1, 0, 0}, 0.9), {.color = {1, 0.9, 0.8}, .ambient = 0.1, .diffuse = 1.2});
     }
 };

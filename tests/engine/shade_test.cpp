@@ -75,8 +75,7 @@ TEST_F(ShadeTest, OnePointUnderOneLight)
                 4,  0.1,   0.75,      0.5};
         normal = {0, 0, 1};
         c.change();
-        makeLight(lamp.position, lamp.color, lamp.lightType, lamp.attenuation, lamp.shadowType, lamp.radius,
-                  lamp.samples, lamp.cosMinAngle, lamp.cosMaxAngle, lamp.direction);
+        makeLight(lamp);
         Object object{};
         object.surface = &skin;
         const Ray ray = {{-1.2, 0, 1.6}, {0.6, 0, -0.8}};
@@ -92,7 +91,7 @@ TEST_F(ShadeTest, OnePointUnderOneLight)
 TEST_F(ShadeTest, ShadowOfGlassIsFull)
 {
     paint(makeSphere({0, 0, 0}, 1), {.refraction = 1, .refractionIndex = 1.5});
-    makeLight({0, 0, 3}, {1, 1, 1}, POINT_LIGHT, NO_ATTENUATION, SHARP_SHADOW, 0.1, 5, 0, 0, {});
+    makeLight({.color = {1, 1, 1}, .position = {0, 0, 3}, .samples = 5, .radius = 0.1});
     for (const auto& [z, light] : {std::pair{-2.0, 0.0}, {2.0, 1.0}}) {
         Ray ray;
         const double distance = makeLightRay(myLightList, {0, 0, z}, &ray);
@@ -172,7 +171,11 @@ TEST_F(ShadeTest, EachSampleOfASoftShadowGoesWhereItsNumbersSay)
     const Vec marks[] = {{-0.39863, 0.12376, 5}, {-0.23996, -0.33099, 5}};
     for (const Vec& mark : marks) {
         resetScene();
-        makeLight({0, 0, 10}, {1, 0.5, 0.25}, POINT_LIGHT, NO_ATTENUATION, SMOOTH_SHADOW, 1, 4, 0, 0, {});
+        makeLight({.color = {1, 0.5, 0.25},
+                   .position = {0, 0, 10},
+                   .shadowType = SMOOTH_SHADOW,
+                   .samples = 4,
+                   .radius = 1});
         putMark(mark);
         startRandom(0, 1);
         Ray ray;

@@ -36,10 +36,11 @@ settings { }|line: 1 -  Opening bracket '{' expected|255
         const Outcome outcome = inChild([&] {
             myViewPoint.position = {20, 20, 20};
             char name[256] = "";
-            int attenuation = 0, shadow = 0, samples = 0, camera = 0;
-            double radius = 0;
-            yy_3DSSettings(streamOf(row[0]), name, &attenuation, &shadow, &samples, &radius, &camera);
-            puts(line(name, attenuation, shadow, samples, radius, camera, myViewPoint.focalLength).c_str());
+            Light light;
+            yy_3DSSettings(streamOf(row[0]), name, &light);
+            puts(line(name, light.attenuation, light.shadowType, light.samples, light.radius, iCameraIndex,
+                      myViewPoint.focalLength)
+                     .c_str());
         });
         EXPECT_EQ(std::to_string(outcome.status), row[2]) << row[0];
         EXPECT_NE(outcome.out.find(row[1]), std::string::npos) << outcome.out;
