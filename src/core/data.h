@@ -3,7 +3,9 @@
 #include "core/vector.h"
 
 #include <cstddef>
+#include <cstdlib>
 #include <type_traits>
+#include <utility>
 
 // What everybody needs: rays, hits, the head of a record, and the lists that hold the scene.
 
@@ -58,9 +60,21 @@ extern Object* myLightList;  // the lights, latest first
 extern int nPrims;           // primitives, and after the build bounding nodes too
 extern Vec Slab[3];          // the unit vectors of x, y, z: the directions of all bounds
 
-/// Puts `node` at the front of the list.
-void addToList(Object** head, Object* node);
+/// Puts `node` at the front of a list whose records have a member `next`.
+template <class Node>
+void addToList(Node** head, Node* node)
+{
+    node->next = *head;
+    *head = node;
+}
 
-/// Frees the records along their `next` links, leaves the head null and returns how many there were. The
-/// members of bounding nodes and what a record points to stay until the process ends.
-int freeList(Object** head);
+/// Frees the records along their `next` links, leaves the head null and returns how many there were. What a
+/// record points to besides, the members of bounding nodes too, stays until the process ends.
+template <class Node>
+int freeList(Node** head)
+{
+    int count = 0;
+    for (; *head != nullptr; ++count)
+        free(std::exchange(*head, (*head)->next));
+    return count;
+}

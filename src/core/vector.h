@@ -5,6 +5,8 @@
 /// A point or a direction, in world coordinates.
 struct Vec {
     double x, y, z;
+
+    bool operator==(const Vec&) const = default;
 };
 
 /// An RGB colour; 1.0 is full intensity.

@@ -15,11 +15,5 @@ struct ColorEntry {
 
 extern ColorEntry* myColorList; // the latest declaration first; null outside parseFile
 
-/// Puts `entry` at the front of the list.
-void addColorToList(ColorEntry** head, ColorEntry* entry);
-
 /// The latest declaration of a name, or null.
 const ColorEntry* findColor(const ColorEntry* head, const char* name);
-
-/// Frees the entries, leaves the head null and returns how many there were.
-int freeColorList(ColorEntry** head);

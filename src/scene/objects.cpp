@@ -25,12 +25,6 @@ static void finishObject(Object* object, int* count)
     ++*count;
 }
 
-/// True if both points are the same; such an axis has no direction.
-static bool isSame(Vec a, Vec b)
-{
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
-
 static Vec* newPoints(int count)
 {
     auto* points = static_cast<Vec*>(malloc(static_cast<size_t>(count) * sizeof(Vec)));
@@ -62,7 +56,7 @@ void yy_plane(FILE* stream)
     };
     readBlock(stream, words, " Unkown parameter in plane structure");
     requireCounts(words, " error in plane structure declaration");
-    if (isSame(normal, {}))
+    if (normal == Vec{})
         yyerror(" plane normal cannot be <0 0 0>");
     // A plane is hit by rays that travel along its normal, and the scene's one points to the viewer.
     finishObject(makePlane(-normal, -distance), &iNumPlane);
@@ -84,7 +78,7 @@ void yy_cylindre(FILE* stream)
     requireCounts(words, " error in cylinder structure declaration");
     if (!(radius > 0.0))
         yyerror(RADIUS_FAULT);
-    if (isSame(base, cap))
+    if (base == cap)
         yyerror(SAME_ENDS);
     finishObject(makeCone(base, radius, cap, radius), &iNumCylinder);
 }
@@ -105,7 +99,7 @@ void yy_cone(FILE* stream)
         yyerror(" base radius and cap radius cannot be both null");
     if (capRadius < 0.0 || baseRadius < 0.0)
         yyerror(" base radius or cap radius cannot be negative");
-    if (isSame(base, cap))
+    if (base == cap)
         yyerror(SAME_ENDS);
     finishObject(makeCone(base, baseRadius, cap, capRadius), &iNumCone);
 }

@@ -17,13 +17,25 @@
 #include <vector>
 
 // Blocks read, for the test of completeness.
-static constinit std::int16_t c = 0, s = 0, su = 0, l = 0;
-static constinit std::int16_t uncounted = 0;
+static constinit std::int16_t c = 0, s = 0, su = 0, l = 0, uncounted = 0;
+
+// What is told of a scene in the end, in this order.
+static constexpr struct {
+    const char* text;
+    int* count;
+} counts[] = {
+    {"\n\n Number of sphere(s):\t\t%d\n", &iNumSphere}, {" Number of ring(s):\t\t%d\n", &iNumRing},
+    {" Number of plane(s):\t\t%d\n", &iNumPlane},       {" Number of cone(s):\t\t%d\n", &iNumCone},
+    {" Number of cylinder(s):\t\t%d\n", &iNumCylinder}, {" Number of disc(s):\t\t%d\n", &iNumDisc},
+    {" Number of polygon(s):\t\t%d\n", &iNumPolygone},  {" Number of triangle(s):\t\t%d\n", &iNumTriangle},
+    {" Number of patch(es):\t\t%d\n", &iNumPatch},      {" Number of surface(s):\t\t%d\n", &iNumSurface},
+    {" Number of light(s):\t\t%d\n", &iNumLight},
+};
 
 void resetScene()
 {
     setStartValues();
-    freeColorList(&myColorList);
+    freeList(&myColorList);
     surface = {};
     resetLexer();
 }
@@ -46,24 +58,21 @@ static void yy_declare(FILE* stream)
         Lire_Decimal(stream);
         *component = val_DBL;
     }
-    addColorToList(&myColorList, entry);
+    addToList(&myColorList, entry);
 }
 
 struct Statement {
     Keyword word;
     void (*parse)(FILE* stream);
-    std::int16_t* blocks; // counter of the test of completeness
+    std::int16_t* blocks = &uncounted; // counter of the test of completeness
 };
 
 static constexpr Statement statements[] = {
-    {"camera", yy_camera, &c},           {"settings", yy_settings, &s},
-    {"surface", yy_surface, &su},        {"light", yy_light, &l},
-    {"sphere", yy_sphere, &uncounted},   {"plane", yy_plane, &uncounted},
-    {"cone", yy_cone, &uncounted},       {"cylinder", yy_cylindre, &uncounted},
-    {"ring", yy_ring, &uncounted},       {"disc", yy_disc, &uncounted},
-    {"polygon", yy_polygon, &uncounted}, {"triangle", yy_triangle, &uncounted},
-    {"patch", yy_patch, &uncounted},     {"smooth_triangle", yy_patch, &uncounted},
-    {"declare", yy_declare, &uncounted},
+    {"camera", yy_camera, &c}, {"settings", yy_settings, &s}, {"surface", yy_surface, &su},
+    {"light", yy_light, &l},   {"sphere", yy_sphere},         {"plane", yy_plane},
+    {"cone", yy_cone},         {"cylinder", yy_cylindre},     {"ring", yy_ring},
+    {"disc", yy_disc},         {"polygon", yy_polygon},       {"triangle", yy_triangle},
+    {"patch", yy_patch},       {"smooth_triangle", yy_patch}, {"declare", yy_declare},
 };
 
 struct SceneFile {
@@ -127,9 +136,8 @@ static int endIncomplete(const char* message)
 
 int parseFile(const char* fileName)
 {
-    for (int* count : {&iNumCylinder, &iNumCone, &iNumPlane, &iNumRing, &iNumSphere, &iNumLight, &iNumSurface,
-                       &iNumTriangle, &iNumPatch, &iNumPolygone, &iNumDisc})
-        *count = 0;
+    for (const auto& each : counts)
+        *each.count = 0;
     c = s = su = l = 0;
     surface = {}; // so that objects ahead of the first surface block have a defined one
     parseScene(fileName);
@@ -143,17 +151,8 @@ int parseFile(const char* fileName)
     if (l == 0)
         printf(" Warning: scene doesn't contain any light.");
 
-    printf("\n\n Number of sphere(s):\t\t%d\n", iNumSphere);
-    printf(" Number of ring(s):\t\t%d\n", iNumRing);
-    printf(" Number of plane(s):\t\t%d\n", iNumPlane);
-    printf(" Number of cone(s):\t\t%d\n", iNumCone);
-    printf(" Number of cylinder(s):\t\t%d\n", iNumCylinder);
-    printf(" Number of disc(s):\t\t%d\n", iNumDisc);
-    printf(" Number of polygon(s):\t\t%d\n", iNumPolygone);
-    printf(" Number of triangle(s):\t\t%d\n", iNumTriangle);
-    printf(" Number of patch(es):\t\t%d\n", iNumPatch);
-    printf(" Number of surface(s):\t\t%d\n", iNumSurface);
-    printf(" Number of light(s):\t\t%d\n", iNumLight);
-    freeColorList(&myColorList);
+    for (const auto& each : counts)
+        printf(each.text, *each.count);
+    freeList(&myColorList);
     return 0;
 }
