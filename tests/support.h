@@ -45,12 +45,6 @@ inline void expectColor(Color actual, Color expected)
     expectNear({actual.red, actual.green, actual.blue}, {expected.red, expected.green, expected.blue});
 }
 
-/// Vertices that a record can take over.
-inline Vec* onHeap(const std::vector<Vec>& points)
-{
-    return std::copy(points.begin(), points.end(), new Vec[points.size()]) - points.size();
-}
-
 /// The lines of a table with their cells, which stand between bars; ~ stands for a line end in a cell.
 inline std::vector<std::vector<std::string>> rowsOf(const std::string& table)
 {

@@ -42,13 +42,14 @@ Color getLightColor(const Object* light, const Object* object, const Ray* ray, d
 
 Color smoothShadow(const Object* light, const Object* object, const Ray* ray, double distance)
 {
-    const double spread = recordOf<Light>(light).radius / distance;
+    const Light& lamp = recordOf<Light>(light);
+    const double spread = lamp.radius / distance;
     Color sum{};
-    for (int i = 0; i < recordOf<Light>(light).samples; ++i) {
+    for (int i = 0; i < lamp.samples; ++i) {
         const Ray sample = {.origin = ray->origin,
                             .direction = unit(ray->direction + spread * jitterVector())};
         if (!isBlocked(&sample, distance, object))
-            sum = sum + recordOf<Light>(light).color;
+            sum = sum + lamp.color;
     }
-    return sum / recordOf<Light>(light).samples;
+    return sum / lamp.samples;
 }

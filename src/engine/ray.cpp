@@ -6,6 +6,7 @@
 #include "engine/shade.h"
 #include "primitives/kinds.h"
 
+#include <algorithm>
 #include <cmath>
 
 constexpr int MAX_LEVEL = 5;
@@ -81,14 +82,9 @@ void shoot(const Ray* ray, Color* color, int* level)
     *color = sum / view.samples;
 }
 
-static double limited(double component)
-{
-    return component > 1.0 ? 1.0 : component;
-}
-
 static Color limited(Color color)
 {
-    return {limited(color.red), limited(color.green), limited(color.blue)};
+    return {std::min(color.red, 1.0), std::min(color.green, 1.0), std::min(color.blue, 1.0)};
 }
 
 double trace(const Ray* ray, Color* color, int* level)

@@ -1,5 +1,6 @@
 #include "import3ds/mesh.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -51,24 +52,15 @@ int dropBadFaces(Model3DS* model)
     return dropped;
 }
 
-static void widen(float value, float* low, float* high)
-{
-    if (value > *high)
-        *high = value;
-    if (value < *low)
-        *low = value;
-}
-
 void computeBBox(const Model3DS* model)
 {
     for (int i = 0; i < model->numObjects; ++i) {
         const ModelObject& object = model->objects[i];
         for (int f = 0; f < object.numFaces; ++f) {
             for (const int v : object.faces[f].vertexIndex) {
-                const Vec3f& vertex = object.vertices[v];
-                widen(vertex.x, &vVMin.x, &vVMax.x);
-                widen(vertex.y, &vVMin.y, &vVMax.y);
-                widen(vertex.z, &vVMin.z, &vVMax.z);
+                const Vec3f& p = object.vertices[v];
+                vVMin = {std::min(vVMin.x, p.x), std::min(vVMin.y, p.y), std::min(vVMin.z, p.z)};
+                vVMax = {std::max(vVMax.x, p.x), std::max(vVMax.y, p.y), std::max(vVMax.z, p.z)};
             }
         }
     }

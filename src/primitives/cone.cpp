@@ -52,10 +52,8 @@ static void boundCone(Cone* self)
         high[i] = coordinate(cone.base, i) + f * cone.baseRadius;
         const double lo = coordinate(cone.cap, i) - f * cone.capRadius;
         const double hi = coordinate(cone.cap, i) + f * cone.capRadius;
-        if (low[i] > lo)
-            low[i] = lo;
-        if (hi > high[i])
-            high[i] = hi;
+        low[i] = std::min(low[i], lo);
+        high[i] = std::max(high[i], hi);
     }
 }
 
@@ -69,9 +67,8 @@ Object* makeCone(Vec base, double baseRadius, Vec cap, double capRadius)
     cone->cap = cap;
     cone->capRadius = capRadius;
     cone->axis = cap - base;
-    cone->length = lengthOf(cone->axis);
+    cone->slope = (capRadius - baseRadius) / lengthOf(cone->axis);
     VecNorm(&cone->axis);
-    cone->slope = (capRadius - baseRadius) / cone->length;
     cone->axisOffset = -dot(cone->axis, base);
     makeFrame(cone);
     const double atBase = dot(cone->axis, base);

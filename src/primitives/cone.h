@@ -10,9 +10,8 @@ struct Cone {
     double axisOffset; // -(axis . base)
     Vec cap;
     double capRadius;
-    Vec frameU, frameV; // with axis, a right-angled frame of unit vectors
-    Vec axis;           // unit, from base to cap
-    double length;
+    Vec frameU, frameV;      // with axis, a right-angled frame of unit vectors
+    Vec axis;                // unit, from base to cap
     double slope;            // growth of the radius per unit of axis
     double axisMin, axisMax; // coordinates along axis, measured from the world origin
 };
@@ -20,8 +19,7 @@ struct Cone {
 extern const Operations coneOperations;
 
 /// Makes the wall between the circles around `base` and `cap`, square to the line between the two points,
-/// which must differ; both ends are open. Equal radii make a cylinder. Returns the record, which myObjectList
-/// owns, or null without memory.
+/// which must differ; both ends are open. Equal radii make a cylinder.
 Object* makeCone(Vec base, double baseRadius, Vec cap, double capRadius);
 
 /// Whether the ray parameter `t` is far enough, and lies between the two ends; both ends belong to the wall.

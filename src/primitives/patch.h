@@ -7,8 +7,7 @@ struct Patch {
     Object head;
     Vec corner;     // corner 0
     Vec inverse[3]; // rows: weight of corner 1, weight of corner 2, unit face normal
-    Vec normals[3]; // unit, all on the side to which inverse row 2 points; no test reads them, so they are
-                    // last
+    Vec normals[3]; // unit, on the side to which inverse row 2 points; last, since no test reads them
 };
 
 extern const Operations patchOperations;
@@ -24,8 +23,7 @@ void invertMatrix(const Vec* m, Vec* out);
 
 /// Makes a smooth-shaded triangle, seen from both sides, with a normal for each corner. `array` is as for
 /// checkPatch, which turns its normals; it stays with the caller, and the normals need not be unit. A normal
-/// of length 0 is replaced by that of the face. A patch of no area is allowed and never hit. Returns the
-/// record, which myObjectList owns, or null without memory.
+/// of length 0 is replaced by that of the face. A patch of no area is allowed and never hit.
 Object* makePatch(Vec* array);
 
 /// The distance at which `ray` meets the patch, in `*t`, and there the weights of corners 1 and 2, in `*u`

@@ -11,8 +11,7 @@ struct Plane {
 extern const Operations planeOperations;
 
 /// Makes the plane of the points p with n . p = `distance`, where n is `normal` made unit; the distance is
-/// not rescaled. Only rays that travel along n can hit it. Returns the record, which myObjectList owns, or
-/// null without memory.
+/// not rescaled. Only rays that travel along n can hit it.
 Object* makePlane(Vec normal, double distance);
 
 /// The distance at which `ray` meets the plane, in `*t`. EPSILON itself is steep enough, and unlike the other

@@ -11,7 +11,7 @@ static void polygonPrint(const Object*)
 constinit const Operations polygonOperations = {flatIntersect<Polygon, polygonReach>, flatNormal<Polygon>,
                                                 polygonPrint};
 
-Object* makePolygon(Vec* vertices, int count)
+Object* makePolygon(const Vec* vertices, int count)
 {
     auto* polygon = newPrimitive<Polygon>(POLYGON);
     const size_t points = static_cast<size_t>(count) + 1;
@@ -22,8 +22,6 @@ Object* makePolygon(Vec* vertices, int count)
         return nullptr;
     }
     double* v = u + points;
-
-    polygon->vertices = vertices;
     polygon->vertexCount = count;
     polygon->normal = faceNormal(vertices);
     polygon->offset = -dot(polygon->normal, vertices[0]);

@@ -1,5 +1,7 @@
 #include "primitives/primitive.h"
 
+#include <algorithm>
+
 void boundPoints(Object* self, const Vec* points, int count, double margin)
 {
     for (int i = 0; i < 3; ++i) {
@@ -7,10 +9,8 @@ void boundPoints(Object* self, const Vec* points, int count, double margin)
         double hi = -NO_LIMIT;
         for (int k = 0; k < count; ++k) {
             const double d = dot(points[k], Slab[i]);
-            if (d < lo)
-                lo = d;
-            if (d > hi)
-                hi = d;
+            lo = std::min(lo, d);
+            hi = std::max(hi, d);
         }
         self->boundsMin[i] = lo - margin;
         self->boundsMax[i] = hi + margin;

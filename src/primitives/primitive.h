@@ -5,7 +5,8 @@
 #include <cstdlib>
 
 // What all kinds of primitive share. A constructor takes a record with newPrimitive, fills its tail and its
-// bounds and ends with listPrimitive; a null record means no memory, and then nothing was listed or counted.
+// bounds and ends with listPrimitive. It returns the record, which myObjectList owns, or null without memory;
+// then nothing was listed or counted.
 
 /// What a kind of primitive does; `primitives/kinds.h` calls it by the type of the record.
 struct Operations {

@@ -15,8 +15,7 @@ struct Ring {
 extern const Operations ringOperations;
 
 /// Makes a flat ring, seen from both sides; both circles belong to it, and an inner radius of 0 makes a disc.
-/// The normal is made unit; a normal of length 0 is allowed, and such a ring is never hit. Returns the
-/// record, which myObjectList owns, or null without memory.
+/// The normal is made unit; a normal of length 0 is allowed, and such a ring is never hit.
 Object* makeRing(Vec center, Vec normal, double innerRadius, double outerRadius);
 
 /// The distance at which `ray` meets the ring, in `*t`; EPSILON itself is far enough. However flat the ray

@@ -10,8 +10,7 @@ struct Sphere {
 
 extern const Operations sphereOperations;
 
-/// Makes a sphere. A negative radius has the bounds and hits of its positive value. Returns the record, which
-/// myObjectList owns, or null without memory.
+/// Makes a sphere. A negative radius has the bounds and hits of its positive value.
 Object* makeSphere(Vec center, double radius);
 
 /// The distance at which `ray` meets the sphere, in `*t`. A tangent ray hits, and EPSILON itself is far

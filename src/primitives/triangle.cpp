@@ -10,12 +10,11 @@ static void trianglePrint(const Object*)
 constinit const Operations triangleOperations = {flatIntersect<Triangle, triangleReach>, flatNormal<Triangle>,
                                                  trianglePrint};
 
-Object* makeTriangle(Vec* vertices)
+Object* makeTriangle(const Vec* vertices)
 {
     auto* triangle = newPrimitive<Triangle>(TRIANGLE);
     if (triangle == nullptr)
         return nullptr;
-    triangle->vertices = vertices;
     triangle->normal = faceNormal(vertices);
     triangle->offset = -dot(triangle->normal, vertices[0]);
     chooseAxes(triangle->normal, &triangle->axisU, &triangle->axisV);

@@ -25,14 +25,6 @@ static void finishObject(Object* object, int* count)
     ++*count;
 }
 
-static Vec* newPoints(int count)
-{
-    auto* points = static_cast<Vec*>(malloc(static_cast<size_t>(count) * sizeof(Vec)));
-    if (points == nullptr)
-        yyerror(NO_MEMORY);
-    return points;
-}
-
 void yy_sphere(FILE* stream)
 {
     Vec center{};
@@ -146,7 +138,7 @@ void yy_ring(FILE* stream)
 
 void yy_triangle(FILE* stream)
 {
-    Vec* vertices = newPoints(3);
+    Vec vertices[3];
     BlockWord words[] = {
         points("vertex", vertices, 1, 3, " Too many vertices in triangle structure"),
     };
@@ -178,7 +170,9 @@ void yy_polygon(FILE* stream)
     const int count = val_INT;
     if (count < 4)
         yyerror(" valid number of vertices expected");
-    Vec* vertices = newPoints(count);
+    auto* vertices = static_cast<Vec*>(malloc(static_cast<size_t>(count) * sizeof(Vec)));
+    if (vertices == nullptr)
+        yyerror(NO_MEMORY);
     BlockWord words[] = {
         points("vertex", vertices, 1, count, " Too many vertices in polygon structure"),
     };
@@ -186,4 +180,5 @@ void yy_polygon(FILE* stream)
     if (words[0].count < count)
         yyerror(" Too few vertices in polygon structure");
     finishObject(makePolygon(vertices, count), &iNumPolygone);
+    free(vertices);
 }

@@ -70,7 +70,8 @@ static Vec point(double size)
 
 static Object* addFace(Vec corner, Vec side, Vec otherSide)
 {
-    return makePolygon(onHeap({corner, corner + side, corner + side + otherSide, corner + otherSide}), 4);
+    const Vec corners[] = {corner, corner + side, corner + side + otherSide, corner + otherSide};
+    return makePolygon(corners, 4);
 }
 
 /// Adds an object of any kind but a plane.
@@ -82,7 +83,7 @@ static void addAny(Vec center, double size)
     const int kind = below(6);
     kind == 0   ? makeSphere(center, r)
     : kind == 1 ? makeRing(center, a - b, std::min(r, s), std::max(r, s))
-    : kind == 2 ? makeTriangle(onHeap({a, b, c}))
+    : kind == 2 ? makeTriangle(std::vector{a, b, c}.data())
     : kind == 3 ? addFace(a, b - a, c - a)
     : kind == 4 ? makeCone(a, r, b, below(2) == 0 ? s : r)
                 : makePatch(corners);
@@ -120,7 +121,7 @@ static const struct SceneKind {
     {"every object twice", true, [] { engine.seed(7U + unsigned(nPrims) / 2), addAny(point(3), 2.0); }},
     {"bent", false,
      [] {
-         makePolygon(onHeap({point(3), point(3), point(3), point(3)}), 4);
+         makePolygon(std::vector{point(3), point(3), point(3), point(3)}.data(), 4);
      }},
     {"spheres in spheres", true, [] { makeSphere(O, 0.25 * (1 + below(16))); }},
     {"tubes in tubes", true, [] { makeCone(-4 * Z, 0.25 * (1 + below(16)), 4 * Z, 1); }},

@@ -105,8 +105,8 @@ TEST_F(PrimitiveTest, Plane)
 /// A polygon, or a triangle of three corners.
 static Object* face(const std::vector<Vec>& corners)
 {
-    return corners.size() == 3 ? makeTriangle(onHeap(corners))
-                               : makePolygon(onHeap(corners), int(corners.size()));
+    return corners.size() == 3 ? makeTriangle(corners.data())
+                               : makePolygon(corners.data(), int(corners.size()));
 }
 
 static Object* patch(Vec a, Vec b, Vec c)
