@@ -19,8 +19,8 @@ end
 local title
 
 local function target(link)
-  link = link:gsub("^%.%./gallery/README%.md", "gallery.html"):gsub("^%.%./examples/[%w_/]-([%w_]+)%.%a+$", "scene-%1.html")
-  link = link:gsub("^%.%./examples/python/([%w_]+)%.py$", "scene-%1.html")
+  link = link:gsub("^%.%./gallery/README%.md", "gallery.html"):gsub("^%.%./examples/([%w_]+)%.%a+$", "scene-%1.html")
+  link = link:gsub("^%.%./examples/python/([%w_]+)%.py$", "scene-%1.html"):gsub("^%.%./(examples/models/)", "%1")
   return (link:gsub("^([%w_-]+)%.md", "%1.html"))
 end
 

@@ -118,7 +118,7 @@ TEST_F(ModelTest, FilesOfOtherWriters)
     for (const auto& [name, sizes, warning] : cases) {
         SCOPED_TRACE(name);
         const std::string path =
-            std::string(VARLO_SOURCE_DIR "/tests/import3ds/models/").append(name) + ".3ds";
+            std::string(VARLO_SOURCE_DIR "/examples/models/").append(name) + ".3ds";
         EXPECT_EQ(listen([&] { return read("", path); }), 1);
         EXPECT_EQ(counts(), sizes);
         EXPECT_EQ(warned.substr(0, warned.find(" of the model, at byte")), warning);
