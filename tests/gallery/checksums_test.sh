@@ -1,9 +1,8 @@
 #!/bin/sh
-# Renders every example, at 80 x 60, with 2, 4 and 8 threads, and holds the pictures against their checksums. Only
-# a scene with random sampling has another one for each number of threads.
+# Renders every example, at 80 x 60, with 2, 4 and 8 threads, and holds the pictures against `checksums`: a row for
+# each example, with a sum for each number of threads. They differ in a scene with random sampling alone.
 #
-# Usage: checksums_test.sh VARLO [THREADS...]
-#        checksums_test.sh VARLO update
+# Usage: checksums_test.sh VARLO [update | THREADS...]
 #
 # With THREADS only the pictures with these numbers of threads are rendered. With `update` the file `checksums` is
 # written anew instead.
@@ -16,8 +15,8 @@ set -eu
 export LC_ALL=C
 varlo=$(realpath -- "$1")
 shift
-update=no
-[ "${1:-}" != update ] || { update=yes && shift; }
+update=${1:-}
+[ "$update" != update ] || shift
 [ $# -gt 0 ] || set -- 2 4 8
 here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
 examples=$here/../../examples
@@ -34,27 +33,28 @@ cd "$work"
 for scene in *.vlo *.set; do
     how=-i
     [ "${scene%.set}" = "$scene" ] || how=-3ds
+    row=${scene%.*}
     for threads; do
-        "$varlo" $how "$scene" -o "${scene%.*}-$threads" -ppm -r 80 60 -t "$threads" >log || {
+        "$varlo" $how "$scene" -o picture -ppm -r 80 60 -t "$threads" >log || {
             cat log
             echo "$scene cannot be rendered" >&2
             exit 1
         }
+        row="$row $(sha256sum <picture.ppm | cut -c -16)"
     done
-done
-sha256sum ./*.ppm | sed 's/ \.\// /' >found
+    echo "$row"
+done >found
+sort -o found found # the models among the scenes
 
-if [ $update = yes ]; then
+if [ "$update" = update ]; then
     cp found "$here/checksums"
     exit
 fi
-for threads; do
-    grep -e "-$threads\.ppm" "$here/checksums"
-done >expected
-[ -e teapot.inc ] || sed -i '/ teatime-/d' expected
-wrong=$(sort expected found | uniq -u | sed 's/.* //; s/\.ppm$//' | sort -u)
-[ -z "$wrong" ] || {
-    echo "These pictures are new or gone, or have changed (example and number of threads):" >&2
-    echo "$wrong" >&2
+awk -v threads="$*" '
+    BEGIN { count = split(threads, wanted); column[2] = 2; column[4] = 3; column[8] = 4 }
+    { row = $1; for (i = 1; i <= count; i++) row = row " " $column[wanted[i]]; print row }' "$here/checksums" >expected
+[ -e teapot.inc ] || sed -i '/^teatime /d' expected
+diff expected found || {
+    echo "These pictures are new or gone, or have changed; in columns, those with threads: $*" >&2
     exit 1
 }

@@ -14,7 +14,8 @@ const checksums = new Map(
   readFileSync(join(root, "tests/gallery/checksums"), "utf8")
     .trim()
     .split("\n")
-    .map((row) => row.split("  ").reverse()),
+    .map((row) => row.split(" "))
+    .map(([name, ...sums]) => [name, { 2: sums[0], 4: sums[1], 8: sums[2] }]),
 );
 const script = readFileSync(join(root, "tests/gallery/checksums_test.sh"), "utf8");
 const size = /-r (\d+) (\d+)/.exec(script).slice(1); // of the pictures that the checksums are of
@@ -43,8 +44,8 @@ for (const [build, counts] of [
         const how = scene.endsWith(".set") ? "-3ds" : "-i";
         const args = [how, scene, "-o", name, "-ppm", "-r", ...size, "-t", String(count)];
         const { status, files } = await varlo({ args, files: readScene(folder, scene) });
-        const sum = status === 0 && createHash("sha256").update(files[`${name}.ppm`]).digest("hex");
-        if (sum !== checksums.get(`${name}-${count}.ppm`)) different.push(`${name}-${count}`);
+        const sum = status !== 0 ? "" : createHash("sha256").update(files[`${name}.ppm`]).digest("hex");
+        if (sum.slice(0, 16) !== checksums.get(name)?.[count]) different.push(`${name}-${count}`);
       }
     assert.deepEqual(different, []);
     assert.ok(scenes.length > 40);
