@@ -2,6 +2,7 @@
 
 #include "core/settings.h"
 #include "core/surface.h"
+#include "engine/light.h"
 #include "engine/random.h"
 #include "scene/colors.h"
 #include "scene/current.h"
@@ -45,6 +46,35 @@ inline void expectColor(Color actual, Color expected)
     expectNear({actual.red, actual.green, actual.blue}, {expected.red, expected.green, expected.blue});
 }
 
+/// The values in a line, with a blank behind each.
+template <class... Values>
+std::string line(const Values&... values)
+{
+    std::ostringstream stream;
+    ((stream << values << ' '), ...);
+    return stream.str();
+}
+
+inline std::ostream& operator<<(std::ostream& out, const Vec& v)
+{
+    return out << v.x << ' ' << v.y << ' ' << v.z;
+}
+inline std::ostream& operator<<(std::ostream& out, const Color& c)
+{
+    return out << c.red << ' ' << c.green << ' ' << c.blue;
+}
+inline std::ostream& operator<<(std::ostream& out, const SurfaceAttrib& s)
+{
+    return out << line(s.color, s.ambient, s.diffuse, s.brilliance, s.specular, s.roughness, s.reflection,
+                       s.reflectionType, s.reflectionSamples, s.reflectionRadius, s.refraction,
+                       s.refractionIndex);
+}
+inline std::ostream& operator<<(std::ostream& out, const Light& l)
+{
+    return out << line(l.color, l.position, l.direction, l.lightType, l.shadowType, l.attenuation, l.samples,
+                       l.radius, l.cosMinAngle, l.cosMaxAngle);
+}
+
 /// The lines of a table with their cells, which stand between bars; ~ stands for a line end in a cell.
 inline std::vector<std::vector<std::string>> rowsOf(const std::string& table)
 {
@@ -58,15 +88,6 @@ inline std::vector<std::vector<std::string>> rowsOf(const std::string& table)
             rows.back().push_back(cell);
     }
     return rows;
-}
-
-/// The values in a line, with a blank behind each.
-template <class... Values>
-std::string line(const Values&... values)
-{
-    std::ostringstream stream;
-    ((stream << values << ' '), ...);
-    return stream.str();
 }
 
 /// What `body` prints on standard output.

@@ -88,7 +88,8 @@ TEST_F(Run, BadStarts)
         Words words;
         std::string end; // of standard output
         bool explains = false;
-    } cases[] = {{{"scene"}, "project\n"},
+    } cases[] = {{{}, "project\n"},
+                 {{"scene"}, "project\n"},
                  {{"-i", "none"}, BANNER + "\n Scene file: none could no be opened\n"},
                  {{"-i", "self"}, "\n Parsing self\n Scene file: self could no be opened\n"},
                  {{"-i", "nocamera"}, "\n Parsing nocamera Missing camera!"},
@@ -106,25 +107,6 @@ TEST_F(Run, BadStarts)
         EXPECT_EQ(!outcome.err.empty(), c.explains) << outcome.err;
     }
     EXPECT_FALSE(std::filesystem::exists(folder.path + "/o.ppm"));
-}
-
-TEST_F(Run, ThreadsDoNotChangeThePicture)
-{
-    folder.write("scene", CAMERA + SURFACE + settings("haze_factor 0.02") + R"(
-        light { position <5 -9 7> color 1 1 1 attenuation_type "none" } sphere { radius 1 center <0 0 0> }
-        sphere { radius 1 center <0 0 1> } cone { base <2 0 0> cap <2 0 2> base_radius 1 cap_radius 0 }
-        plane { normal <0 0 1> distance -1 } patch { vertex <-3 0 -1> vertex <-1 0 -1> vertex <-2 0 2>
-        normal <0 -1 0> normal <0 -1 1> normal <1 -1 0> })");
-    for (const Words& sampler : {Words{"-aan"}, {"-aaq"}, {"-aaa", "8"}}) {
-        std::string first;
-        for (const char* threads : {"2", "4", "8"}) {
-            Words words = {"-i", "scene", "-r", "31", "13", "-t", threads};
-            words.insert(words.end(), sampler.begin(), sampler.end());
-            EXPECT_EQ(run(words).status, 0);
-            first = first.empty() ? folder.read("o.ppm") : first;
-            EXPECT_TRUE(folder.read("o.ppm") == first) << sampler[0] << threads;
-        }
-    }
 }
 
 TEST_F(Run, OutputThatFails)

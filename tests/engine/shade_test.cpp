@@ -14,6 +14,7 @@ TEST_F(ShadeTest, RefractionDirection)
     const std::tuple<double, double, Vec, Vec, int> cases[] = {
         {1.5, 1, {0, 0, -1}, {0, 0, -1}, 1},
         {1, 2, {0.6, 0, -0.8}, {0.3, 0, -std::sqrt(0.91)}, 1},
+        {1, 1, {1, 0, 0}, {1, 0, 0}, 1}, // tangent: just not reflected
         {2, 1, {0.6, 0, -0.8}, unit({-0.6, 0, 2.4}), 0}};
     for (const auto& [n1, n2, incoming, expected, refracts] : cases) {
         Vec result;
@@ -44,15 +45,31 @@ static const struct {
     int draws = 0;
 } points[] = {
     {"light below", [] { lamp.position.z = -2; }, {0, 0, 0}},
+    {"at the light", [] { lamp.position.z = 0, lamp.shadowType = SMOOTH_SHADOW; }, {0, 0, 0}},
     {"distance", [] { lamp.attenuation = BY_DISTANCE; }, {0.5, 0.25, 0.125}},
     {"its square", [] { lamp.attenuation = BY_SQUARED_DISTANCE; }, {0.25, 0.125, 0.0625}},
-    {"dim", [] { lamp.attenuation = 1, lamp.color.green = 0.5; }, {0.5, 0.125, 0.125}},
+    {"just bright",
+     [] {
+         lamp.attenuation = 1, lamp.color = {0.5, 0.375, 0.5625};
+     },
+     {0.25, 0.09375, 0.0703125}},
+    {"just dim",
+     [] {
+         lamp.attenuation = 1, lamp.color = {0.5, 0.375, 0.375};
+     },
+     {0.5, 0.1875, 0.09375}},
+    {"opaque", [] { skin.diffuse = 0, skin.refraction = 1; }, {0, 0, 0}},
     {"brilliance 2", [] { skin.brilliance = 2, normal = TILTED; }, {0.64, 0.32, 0.16}},
     {"edge of the spot", [] { tilt(0.5, SHARP_SHADOW); }, {0.4, 0.2, 0.1}},
     {"limit of the spot", [] { tilt(0.6, SMOOTH_SHADOW); }, {0, 0, 0}, 12},
     {"outside of the spot", [] { tilt(0.61, SMOOTH_SHADOW); }, {0, 0, 0}},
     {"inside of the spot", [] { lamp.lightType = SPOT_LIGHT; }, {1, 0.5, 0.25}},
     {"highlight", [] { skin = {.specular = 0.5, .roughness = 2}, lamp.attenuation = 1; }, {0.32, 0.32, 0.32}},
+    {"highlight of a tangent ray", // goes on to the light beyond
+     [] {
+         skin.specular = 0.5, normal = {0.8, 0, 0.6}, lamp.position = {1.2, 0, -1.6};
+     },
+     {0.5, 0.5, 0.5}},
     {"attenuated highlight", [] { skin.specular = 0.5, lamp.attenuation = 1; }, {0.75, 0.5, 0.375}},
     {"smooth shadow", [] { lamp.shadowType = SMOOTH_SHADOW; }, {1, 0.5, 0.25}, 12},
     {"reflection", [] { skin = {.reflection = 0.5}; }, {0.25, 0.25, 0.5}},
@@ -128,77 +145,64 @@ TEST_F(ShadeTest, WhatOneRayBrings)
     expectTrace(1, -1, 0, 1, {0.4921875, 0.4921875, 0.4921875});
 }
 
+static Color throughTheLens()
+{
+    myViewPoint = {.up = {0, 0, 1}, .lookAt = {0, 1, 0}, .aperture = 1, .focalLength = 10, .samples = 4};
+    screenInit();
+    const Ray ray = {{0, 0, 0}, {0, 1, 0}};
+    Color color;
+    int level = 0;
+    shoot(&ray, &color, &level);
+    return color;
+}
+
+static Color fromASoftLight()
+{
+    makeLight({.color = {1, 0.5, 0.25},
+               .position = {0, 0, 10},
+               .shadowType = SMOOTH_SHADOW,
+               .samples = 4,
+               .radius = 1});
+    Ray ray;
+    const double distance = makeLightRay(myLightList, {0, 0, 0}, &ray);
+    return smoothShadow(myLightList, nullptr, &ray, distance);
+}
+
+static Color fromAFuzzyMirror()
+{
+    Object mirror{};
+    paint(&mirror, {.reflection = 1, .reflectionType = 1, .reflectionSamples = 4, .reflectionRadius = 1});
+    const Ray ray = {{0, 0, 10}, {0, 0, -1}};
+    const Hit hit = {.distance = 10, .entering = 1, .object = &mirror, .hitNormal = {}};
+    Color color;
+    int level = 0;
+    shade(&mirror, &ray, {0, 0, 1}, {0, 0, 0}, &color, &level, &hit);
+    return color;
+}
+
 // The first random numbers are 0.840188 0.394383 0.783099, 0.798440 0.911647 0.197551, 0.335223 0.768230
 // 0.277775, 0.553970 0.477397 0.628871, 0.364784 0.513401 0.952230 0.916195. From them the directions below
-// are worked out by hand; in each stands a small sphere, which only that sample meets.
-
-/// A red sphere that needs no light.
-static void putMark(Vec center, double radius = 0.02)
+// are worked out by hand; at each mark stands a small red sphere, which only that sample meets.
+TEST_F(ShadeTest, EachRandomSampleGoesWhereItsNumbersSay)
 {
-    paint(makeSphere(center, radius), {.color = {1, 0, 0}, .ambient = 1});
-}
-
-TEST_F(ShadeTest, EachSampleOfTheLensGoesWhereItsNumbersSay)
-{
-    // Four numbers a sample: a distance to the right, which is to the left if the second is above 0.5, and
-    // one downwards or up. A tenth of the way to the focus nine tenths of the offset are left.
-    const Vec marks[] = {{0.840188 * 0.9, 1, 0.783099 * 0.9},
-                         {0.911647 * 0.9, 1, 0.335223 * 0.9},
-                         {-0.277775 * 0.9, 1, 0.477397 * 0.9},
-                         {-0.364784 * 0.9, 1, 0.952230 * 0.9}};
-    for (const Vec& mark : marks) {
+    // The lens takes four numbers: a distance to the right, which is to the left if the second is above 0.5,
+    // and one downwards or up. A tenth of the way to the focus nine tenths of the offset are left. Ten from a
+    // light or from the eye, a tenth of the unit jitter vectors is added to the direction.
+    const Color ofFour = {0.25, 0, 0}, threeOfFour = {0.75, 0.375, 0.1875};
+    const std::tuple<Color (*)(), Vec, Color> cases[] = {
+        {throughTheLens, {0.840188 * 0.9, 1, 0.783099 * 0.9}, ofFour},
+        {throughTheLens, {0.911647 * 0.9, 1, 0.335223 * 0.9}, ofFour},
+        {throughTheLens, {-0.277775 * 0.9, 1, 0.477397 * 0.9}, ofFour},
+        {throughTheLens, {-0.364784 * 0.9, 1, 0.952230 * 0.9}, ofFour},
+        {fromASoftLight, {-0.39863, 0.12376, 5}, threeOfFour},
+        {fromASoftLight, {-0.23996, -0.33099, 5}, threeOfFour},
+        {fromAFuzzyMirror, {-0.39863, 0.12376, 5}, ofFour},
+        {fromAFuzzyMirror, {-0.23996, -0.33099, 5}, ofFour}};
+    for (const auto& [colorOf, mark, expected] : cases) {
+        SCOPED_TRACE(mark.x);
         resetScene();
-        myViewPoint.position = {0, 0, 0};
-        myViewPoint.lookAt = {0, 1, 0};
-        myViewPoint.up = {0, 0, 1};
-        myViewPoint.aperture = 1;
-        myViewPoint.focalLength = 10;
-        myViewPoint.samples = 4;
-        screenInit();
-        putMark(mark);
+        paint(makeSphere(mark, 0.02), {.color = {1, 0, 0}, .ambient = 1}); // needs no light
         startRandom(0, 1);
-        const Ray ray = {{0, 0, 0}, {0, 1, 0}};
-        Color color;
-        int level = 0;
-        shoot(&ray, &color, &level);
-        expectColor(color, {0.25, 0, 0});
-    }
-}
-
-TEST_F(ShadeTest, EachSampleOfASoftShadowGoesWhereItsNumbersSay)
-{
-    // 10 below a light of radius 1: a tenth of the unit jitter vectors is added to the direction.
-    const Vec marks[] = {{-0.39863, 0.12376, 5}, {-0.23996, -0.33099, 5}};
-    for (const Vec& mark : marks) {
-        resetScene();
-        makeLight({.color = {1, 0.5, 0.25},
-                   .position = {0, 0, 10},
-                   .shadowType = SMOOTH_SHADOW,
-                   .samples = 4,
-                   .radius = 1});
-        putMark(mark);
-        startRandom(0, 1);
-        Ray ray;
-        const double distance = makeLightRay(myLightList, {0, 0, 0}, &ray);
-        expectColor(smoothShadow(myLightList, nullptr, &ray, distance), {0.75, 0.375, 0.1875});
-    }
-}
-
-TEST_F(ShadeTest, EachSampleOfAFuzzyMirrorGoesWhereItsNumbersSay)
-{
-    // Seen from 10 above, a radius of 1 is the same tenth.
-    const Vec marks[] = {{-0.39863, 0.12376, 5}, {-0.23996, -0.33099, 5}};
-    for (const Vec& mark : marks) {
-        resetScene();
-        Object mirror{};
-        paint(&mirror, {.reflection = 1, .reflectionType = 1, .reflectionSamples = 4, .reflectionRadius = 1});
-        putMark(mark);
-        startRandom(0, 1);
-        const Ray ray = {{0, 0, 10}, {0, 0, -1}};
-        const Hit hit = {.distance = 10, .entering = 1, .object = &mirror, .hitNormal = {}};
-        Color color;
-        int level = 0;
-        shade(&mirror, &ray, {0, 0, 1}, {0, 0, 0}, &color, &level, &hit);
-        expectColor(color, {0.25, 0, 0});
+        expectColor(colorOf(), expected);
     }
 }

@@ -117,8 +117,7 @@ TEST_F(ModelTest, FilesOfOtherWriters)
                                          {"cube", "1 8 12 0 0 0 ", " The first material"}};
     for (const auto& [name, sizes, warning] : cases) {
         SCOPED_TRACE(name);
-        const std::string path =
-            std::string(VARLO_SOURCE_DIR "/examples/models/").append(name) + ".3ds";
+        const std::string path = std::string(VARLO_SOURCE_DIR "/examples/models/").append(name) + ".3ds";
         EXPECT_EQ(listen([&] { return read("", path); }), 1);
         EXPECT_EQ(counts(), sizes);
         EXPECT_EQ(warned.substr(0, warned.find(" of the model, at byte")), warning);

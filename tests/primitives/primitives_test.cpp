@@ -72,6 +72,7 @@ TEST_F(PrimitiveTest, Ring)
     expectShots(makeRing(O, Z, 0, 1), -Z, {under * Z}, MISS);
     expectShots(makeRing(O, O, 0, 1), -Z, {5 * Z}, MISS);
     expectBounds(makeRing({1, 2, 3}, {3, 0, -4}, 1, 2), {-0.6, 0, 1.8}, {2.6, 4, 4.2});
+    expectBounds(makeRing({1, 2, 3}, O, 1, 2), {-1, 0, 1}, {3, 4, 5}); // a zero normal stays as it is
     EXPECT_TRUE(std::isnan(makeRing({1, 2, 3}, 2.7e-162 * Z, 1, 2)->boundsMax[2])); // too short, as above
 }
 

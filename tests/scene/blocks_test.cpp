@@ -1,4 +1,3 @@
-#include "engine/light.h"
 #include "primitives/kinds.h"
 #include "support.h"
 
@@ -123,31 +122,31 @@ TEST_F(BlocksTest, ObjectsKeepWhatTheirBlocksSay)
     EXPECT_EQ(patch->boundsMax[0], 1 + EPSILON);
     expectNear(recordOf<Patch>(patch).normals[1], {0, 0.6, 0.8});
     expectNear(recordOf<Patch>(patch).normals[2], {0.6, 0, 0.8});
-    std::string surfaces;
-    for (const Object* object : {patch, disc, static_cast<const Object*>(disc->next->next->next)}) {
-        const SurfaceAttrib& s = *object->surface;
-        surfaces += line(s.color.red, s.color.green, s.color.blue, s.ambient, s.diffuse, s.brilliance,
-                         s.specular, s.roughness, s.reflection, s.refraction, s.refractionIndex,
-                         s.reflectionRadius, s.reflectionSamples, s.reflectionType) +
-                    "\n";
-    }
-    EXPECT_EQ(surfaces, "1 1 0 0 0 0 0 0 0 0 1 1 10 0 \n0.5 0.25 1 1 2 3 4 5 6 9 10 8 7 1 \n"
-                        "0 0 0 0 0 0 0 0 0 0 1 1 10 0 \n");
+    EXPECT_EQ(line(*patch->surface), "1 1 0 0 0 0 0 0 0 0 10 1 0 1  ");
+    EXPECT_EQ(line(*disc->surface), "0.5 0.25 1 1 2 3 4 5 6 1 7 8 9 10  ");
+    EXPECT_EQ(line(*disc->next->next->next->surface), "0 0 0 0 0 0 0 0 0 0 10 1 0 1  ");
 }
 
 TEST_F(BlocksTest, Lights)
 {
-    parse(R"(light { position <0 0 9> color 2 2 2 light_samples 3 samples 4 }
+    parse(R"(light { position <0 0 9> color 2 2 2 light_samples 3 samples 4 target <0 0 8> }
         light { color 1 1 1 light_type "spot" target <0 0 -5> radius 2 samples 6 shadow_type "smooth"
         attenuation_type "d" min_angle 120 max_angle 90 position <0 0 5> })");
-    const auto lineOfLight = [](const Light& l) {
-        return line(l.lightType, l.attenuation, l.shadowType, l.samples, l.radius, l.cosMinAngle,
-                    l.cosMaxAngle);
-    };
-    const Object *spot = myLightList, *point = spot->next;
-    EXPECT_EQ(lineOfLight(recordOf<Light>(point)), "0 2 0 4 0 0.996195 0.965926 ");
-    EXPECT_EQ(lineOfLight(recordOf<Light>(spot)), "1 1 1 6 2 0.5 0.707107 ");
-    expectColor(recordOf<Light>(point).color, {2, 2, 2});
-    expectNear(recordOf<Light>(spot).position, {0, 0, 5});
-    expectNear(recordOf<Light>(spot).direction, {0, 0, -1});
+    EXPECT_EQ(line(recordOf<Light>(myLightList)), "1 1 1 0 0 5 0 0 -1 1 1 1 6 2 0.5 0.707107  ");
+    EXPECT_EQ(line(recordOf<Light>(myLightList->next)), "2 2 2 0 0 9 0 0 -1 0 0 2 4 0 0.996195 0.965926  ");
+}
+
+TEST_F(BlocksTest, SurfaceLastsOverAnIncludeButNotIntoTheNextScene)
+{
+    const Folder folder;
+    std::filesystem::current_path(folder.path); // the scanner takes no path for a string
+    folder.write("part", "sphere { radius 1 center <0 0 0> } surface { color 1 0 0 }");
+    const std::string scene = folder.write("scene", R"(include "part" sphere { radius 1 center <0 0 0> })");
+    for (const int spheres : {2, 4}) {
+        printed([&] { parseFile(scene.c_str()); });
+        EXPECT_EQ(nPrims, spheres);
+        EXPECT_EQ(myObjectList->surface->color.red, 1);
+        EXPECT_EQ(myObjectList->next->surface->color.red, 0); // ahead of the first surface block
+    }
+    std::filesystem::current_path("/");
 }
