@@ -24,9 +24,9 @@ unsigned char toByte(double component)
 
 void toBytes(const Color& color, unsigned char bytes[3])
 {
-    bytes[0] = toByte(color.red * 255.0);
-    bytes[1] = toByte(color.green * 255.0);
-    bytes[2] = toByte(color.blue * 255.0);
+    bytes[0] = toByte(color.red);
+    bytes[1] = toByte(color.green);
+    bytes[2] = toByte(color.blue);
 }
 
 /// What a sampler owns for the length of its band.
@@ -64,13 +64,13 @@ static unsigned char* newLine(size_t size, const char* message)
     return line;
 }
 
-/// The bytes of the sample at a picture position.
-static void sampleAt(double x, double y, Ray* ray, int* level, unsigned char bytes[3])
+/// The colour at a picture position, on the scale 0 to 255.
+static Color sampleAt(double x, double y, Ray* ray, int* level)
 {
     Color color;
     initRay(x, y, ray);
     shoot(ray, &color, level);
-    toBytes(color, bytes);
+    return 255.0 * color;
 }
 
 /// The sample of a pixel in the plain and the corner sampler: its middle, or anywhere in it.
@@ -81,7 +81,13 @@ static void samplePixel(Sampler& s, size_t column, int row, unsigned char bytes[
         dy = randomNumber();
         dx = randomNumber();
     }
-    sampleAt(static_cast<double>(column) + dx, row + dy, &s.ray, &s.level, bytes);
+    toBytes(sampleAt(static_cast<double>(column) + dx, row + dy, &s.ray, &s.level), bytes);
+}
+
+static void sampleLine(Sampler& s, int row, size_t columns, unsigned char* line)
+{
+    for (size_t column = 0; column < columns; ++column)
+        samplePixel(s, column, row, line + 3 * column);
 }
 
 static void deliver(const unsigned char* line, int row)
@@ -97,18 +103,11 @@ void* scanNone(void* band)
     if (line == nullptr)
         return nullptr;
     for (int row = s.band.first; row < s.band.end; ++row) {
-        for (size_t column = 0; column < s.width; ++column)
-            samplePixel(s, column, row, line + 3 * column);
+        sampleLine(s, row, s.width, line);
         deliver(line, row);
     }
     free(line);
     return nullptr;
-}
-
-static void sampleLine(Sampler& s, int row, unsigned char* line)
-{
-    for (size_t column = 0; column <= s.width; ++column)
-        samplePixel(s, column, row, line + 3 * column);
 }
 
 void* scanCorners(void* band)
@@ -124,9 +123,9 @@ void* scanCorners(void* band)
     unsigned char* current = lines + size;
 
     // The row above the band, so that its first row has both lines whatever the number of threads is.
-    sampleLine(s, s.band.first - 1, previous);
+    sampleLine(s, s.band.first - 1, s.width + 1, previous);
     for (int row = s.band.first; row < s.band.end; ++row) {
-        sampleLine(s, row, current);
+        sampleLine(s, row, s.width + 1, current);
         for (size_t i = 0; i < 3 * s.width; ++i) // in the place of samples that are not needed again
             previous[i] = static_cast<unsigned char>(
                 (current[i] + current[i + 3] + previous[i] + previous[i + 3]) >> 2);
@@ -135,6 +134,19 @@ void* scanCorners(void* band)
     }
     free(lines);
     return nullptr;
+}
+
+static SampleCell cellOf(const Color& color)
+{
+    return {.red = toByte(color.red), .green = toByte(color.green), .blue = toByte(color.blue), .done = 1};
+}
+
+static SampleCell meanOf(const SampleCell p[4])
+{
+    const auto mean = [p](unsigned char SampleCell::*c) {
+        return static_cast<unsigned char>((p[0].*c + p[1].*c + p[2].*c + p[3].*c) >> 2);
+    };
+    return {mean(&SampleCell::red), mean(&SampleCell::green), mean(&SampleCell::blue), 1};
 }
 
 /// The cell at (p, q) of a block, traced if no neighbour has handed it on.
@@ -149,10 +161,7 @@ static const SampleCell& cellAt(int p, int q, double x, double y, Ray* ray, int*
         py += randomNumber() * 0.25 - 0.125;
         px += randomNumber() * 0.25 - 0.125;
     }
-    unsigned char bytes[3];
-    sampleAt(px, py, ray, level, bytes);
-    cell = {.red = bytes[0], .green = bytes[1], .blue = bytes[2], .done = 1};
-    return cell;
+    return cell = cellOf(sampleAt(px, py, ray, level));
 }
 
 void adapt(int a, int b, double x, double y, Color* color, int size, Ray* ray, int* level,
@@ -164,34 +173,22 @@ void adapt(int a, int b, double x, double y, Color* color, int size, Ray* ray, i
         cellAt(a, b + size, x, y, ray, level, block),
         cellAt(a + size, b + size, x, y, ray, level, block),
     };
-    int red = 0, green = 0, blue = 0;
-    for (const SampleCell& corner : corners) {
-        red += corner.red;
-        green += corner.green;
-        blue += corner.blue;
-    }
-    red >>= 2;
-    green >>= 2;
-    blue >>= 2;
-
+    SampleCell mean = meanOf(corners);
     const bool differs = std::any_of(corners, corners + 4, [=](const SampleCell& corner) {
-        return std::abs(red - corner.red) >= adapt_dist || std::abs(green - corner.green) >= adapt_dist ||
-               std::abs(blue - corner.blue) >= adapt_dist;
+        return std::abs(mean.red - corner.red) >= adapt_dist ||
+               std::abs(mean.green - corner.green) >= adapt_dist ||
+               std::abs(mean.blue - corner.blue) >= adapt_dist;
     });
     if (size > 1 && differs) {
-        red = green = blue = 0;
         const int half = size / 2;
-        for (const int quarter : {0, 1, 2, 3}) {
-            adapt(a + (quarter & 1) * half, b + (quarter >> 1) * half, x, y, color, half, ray, level, block);
-            red += toByte(color->red);
-            green += toByte(color->green);
-            blue += toByte(color->blue);
+        SampleCell quarters[4];
+        for (const int i : {0, 1, 2, 3}) {
+            adapt(a + (i & 1) * half, b + (i >> 1) * half, x, y, color, half, ray, level, block);
+            quarters[i] = cellOf(*color);
         }
-        red >>= 2;
-        green >>= 2;
-        blue >>= 2;
+        mean = meanOf(quarters);
     }
-    *color = {static_cast<double>(red), static_cast<double>(green), static_cast<double>(blue)};
+    *color = {static_cast<double>(mean.red), static_cast<double>(mean.green), static_cast<double>(mean.blue)};
 }
 
 void* scanAdaptive(void* band)
@@ -200,12 +197,10 @@ void* scanAdaptive(void* band)
     // The carry line holds the bottom edges of the pixels in the row above: place a of column c at 4 * c + a,
     // so that neighbours share their corner.
     const size_t carrySize = (4 * s.width + 1) * sizeof(SampleCell);
-    unsigned char* output = newLine(3 * s.width, LINE_FAULT);
-    auto* carry = output == nullptr ? nullptr : reinterpret_cast<SampleCell*>(newLine(carrySize, LINE_FAULT));
-    if (carry == nullptr) {
-        free(output);
+    unsigned char* output = newLine(3 * s.width + carrySize, LINE_FAULT);
+    if (output == nullptr)
         return nullptr;
-    }
+    auto* carry = reinterpret_cast<SampleCell*>(output + 3 * s.width);
     SampleCell block[5][5] = {}; // by row, then column
 
     for (int row = s.band.first; row < s.band.end; ++row) {
@@ -220,10 +215,7 @@ void* scanAdaptive(void* band)
 
             Color color;
             adapt(0, 0, static_cast<double>(column), row, &color, 4, &s.ray, &s.level, block);
-            output[3 * column] = toByte(color.red);
-            output[3 * column + 1] = toByte(color.green);
-            output[3 * column + 2] = toByte(color.blue);
-
+            toBytes(color, output + 3 * column);
             memcpy(edge, block[4], sizeof block[4]);
             for (auto& line : block)
                 line[0] = line[4];
@@ -231,6 +223,5 @@ void* scanAdaptive(void* band)
         deliver(output, row);
     }
     free(output);
-    free(carry);
     return nullptr;
 }

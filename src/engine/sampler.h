@@ -28,5 +28,5 @@ void adapt(int a, int b, double x, double y, Color* color, int size, Ray* ray, i
 /// Something that is no number is 0.
 unsigned char toByte(double component);
 
-/// The three bytes of a colour on the scale 0 to 1.
+/// The three bytes of a colour on this scale.
 void toBytes(const Color& color, unsigned char bytes[3]);

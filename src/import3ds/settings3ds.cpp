@@ -22,7 +22,7 @@ void yy_3DSSettings(FILE* stream, char* inputName, Light* light)
     iImageType = TGA;
     Vec focalPoint{};
     const BlockWord ownWords[] = {
-        name("input_name", inputName, names3DSFile, " '.3ds' file expected."),
+        any("input_name", inputName, names3DSFile, " '.3ds' file expected."),
         any("aperture", &myViewPoint.aperture),
         any("focal_length", &myViewPoint.focalLength),
         any("focal_point", &focalPoint),

@@ -2,6 +2,7 @@
 
 #include "scene/lexer.h"
 
+#include <algorithm>
 #include <cstring>
 
 /// Reads one value of each form. An overload a form, so that a table cannot name the wrong one.
@@ -46,13 +47,11 @@ static void store(FILE* stream, const target::Value<T>& value, const BlockWord& 
 static void store(FILE* stream, const target::Choices& choices, const BlockWord& word)
 {
     Lire_Chaine(stream);
-    for (const Choice& choice : choices.words) {
-        if (strcmp(strTemp, choice.word) == 0) {
-            *choices.place = choice.value;
-            return;
-        }
-    }
-    yyerror(word.fault);
+    const auto choice = std::find_if(choices.words.begin(), choices.words.end(),
+                                     [](const Choice& each) { return strcmp(strTemp, each.word) == 0; });
+    if (choice == choices.words.end())
+        yyerror(word.fault);
+    *choices.place = choice->value;
 }
 
 static void store(FILE* stream, const target::Pair& pair, const BlockWord&)
@@ -68,35 +67,6 @@ static void store(FILE* stream, const target::Points& points, const BlockWord& w
     readInto(stream, points.places + static_cast<ptrdiff_t>(points.stride) * word.count);
 }
 
-BlockWord block::name(Keyword word, char* place, bool (*accept)(char*), const char* fault)
-{
-    return any(word, place, accept, fault);
-}
-
-BlockWord block::choice(Keyword word, int* place, std::span<const Choice> choices, const char* fault)
-{
-    return {.code = word.code, .required = false, .target = target::Choices{place, choices}, .fault = fault};
-}
-
-BlockWord block::pair(Keyword word, int* first, int* second)
-{
-    return {.code = word.code, .required = false, .target = target::Pair{first, second}};
-}
-
-BlockWord block::points(Keyword word, Vec* places, int stride, int capacity, const char* tooMany)
-{
-    return {.code = word.code,
-            .required = false,
-            .target = target::Points{places, stride, capacity},
-            .fault = tooMany};
-}
-
-BlockWord block::also(Keyword other, BlockWord word)
-{
-    word.otherCode = other.code;
-    return word;
-}
-
 void openBlock(FILE* stream)
 {
     if (Lire_MotCle(stream) != TOKEN_OPEN)
@@ -106,10 +76,9 @@ void openBlock(FILE* stream)
 template <class Words>
 static auto findWord(Words words, int code)
 {
-    auto word = words.begin();
-    while (word != words.end() && word->code != code && word->otherCode != code)
-        ++word;
-    return word;
+    return std::find_if(words.begin(), words.end(), [code](const BlockWord& word) {
+        return word.code == code || word.otherCode == code;
+    });
 }
 
 void readWords(FILE* stream, std::span<BlockWord> words, const char* unknown)

@@ -42,12 +42,12 @@ struct Points {
 
 /// A parameter of a block. Made by the functions below.
 struct BlockWord {
-    int code;      // keyword of the parameter
-    bool required; // exactly once, tested by requireCounts
+    int code; // keyword of the parameter
     std::variant<target::Value<double>, target::Value<int>, target::Value<Vec>, target::Value<Color>,
                  target::Value<char>, target::Choices, target::Pair, target::Points>
         target;
     const char* fault = nullptr; // message of a refused value
+    bool required = false;       // exactly once, tested by requireCounts
     int count = 0;               // how often the word stood
     int otherCode = code;        // a second keyword of the same parameter, with one count for both
 };
@@ -56,36 +56,48 @@ struct BlockWord {
 namespace block
 {
 
-/// A parameter that has to stand exactly once. `accept` may refuse the value, at once, with `fault`, and may
-/// also change it.
-template <class T>
-BlockWord once(Keyword word, T* place, bool (*accept)(T*) = nullptr, const char* fault = nullptr)
-{
-    return {.code = word.code, .required = true, .target = target::Value<T>{place, accept}, .fault = fault};
-}
-
-/// A parameter that may stand any number of times; the last one counts.
+/// A parameter that may stand any number of times; the last one counts. `accept` may refuse the value, at
+/// once, with `fault`, and may also change it. A string has TOKEN_SIZE characters.
 template <class T>
 BlockWord any(Keyword word, T* place, bool (*accept)(T*) = nullptr, const char* fault = nullptr)
 {
-    return {.code = word.code, .required = false, .target = target::Value<T>{place, accept}, .fault = fault};
+    return {.code = word.code, .target = target::Value<T>{place, accept}, .fault = fault};
 }
 
-/// A string parameter, any number of times, copied to `place`, which has TOKEN_SIZE characters.
-BlockWord name(Keyword word, char* place, bool (*accept)(char*) = nullptr, const char* fault = nullptr);
+/// A parameter that has to stand exactly once.
+template <class T>
+BlockWord once(Keyword word, T* place, bool (*accept)(T*) = nullptr, const char* fault = nullptr)
+{
+    BlockWord made = any(word, place, accept, fault);
+    made.required = true;
+    return made;
+}
 
 /// A string parameter, any number of times, which has to be one of the words of `choices`.
-BlockWord choice(Keyword word, int* place, std::span<const Choice> choices, const char* fault);
+inline BlockWord choice(Keyword word, int* place, std::span<const Choice> choices, const char* fault)
+{
+    return {.code = word.code, .target = target::Choices{place, choices}, .fault = fault};
+}
 
 /// Two integers behind one keyword, any number of times.
-BlockWord pair(Keyword word, int* first, int* second);
+inline BlockWord pair(Keyword word, int* first, int* second)
+{
+    return {.code = word.code, .target = target::Pair{first, second}};
+}
 
 /// A vector that may stand up to `capacity` times and fills every `stride`-th place of `places`. One more is
 /// the fault `tooMany`, before its value is read.
-BlockWord points(Keyword word, Vec* places, int stride, int capacity, const char* tooMany);
+inline BlockWord points(Keyword word, Vec* places, int stride, int capacity, const char* tooMany)
+{
+    return {.code = word.code, .target = target::Points{places, stride, capacity}, .fault = tooMany};
+}
 
 /// The same parameter under a second keyword.
-BlockWord also(Keyword other, BlockWord word);
+inline BlockWord also(Keyword other, BlockWord word)
+{
+    word.otherCode = other.code;
+    return word;
+}
 
 } // namespace block
 

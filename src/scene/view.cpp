@@ -77,7 +77,7 @@ std::array<BlockWord, NUM_PICTURE_WORDS> pictureWords()
         any("background", &myBackGroundColor),
         pair("display", &myDisplay.width, &myDisplay.height),
         choice("output_type", &iImageType, imageTypes, " invalid output file type specified"),
-        name("output_name", myDisplay.outputName),
+        any("output_name", myDisplay.outputName),
         choice("jitter", &jitter, yesNo, " jitter must be either 'yes' or 'no'"),
         choice("antialiasing", &iAntialias, antialiasTypes, " invalid anti-aliasing type specified"),
         any("aa_distance", &adapt_dist),

@@ -34,7 +34,7 @@ static Bytes sample(double x, double y)
     startRay(&ray);
     initRay(x, y, &ray);
     shoot(&ray, &color, &level);
-    toBytes(color, bytes);
+    toBytes(255 * color, bytes);
     return {bytes[0], bytes[1], bytes[2]};
 }
 
