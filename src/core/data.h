@@ -55,10 +55,12 @@ static inline const Record& recordOf(const Object* object)
 
 // The scene. The parsers write it, the bounding build rearranges myObjectList into a tree, and from then on
 // the render threads only read.
-extern Object* myObjectList; // the primitives, latest first; after the build the root of the tree
-extern Object* myLightList;  // the lights, latest first
-extern int nPrims;           // primitives, and after the build bounding nodes too
-extern Vec Slab[3];          // the unit vectors of x, y, z: the directions of all bounds
+inline constinit Object* myObjectList = nullptr; // the primitives, latest first; then the root of the tree
+inline constinit Object* myLightList = nullptr;  // the lights, latest first
+inline constinit int nPrims = 0;                 // primitives, and after the build bounding nodes too
+
+/// The unit vectors of x, y, z: the directions of all bounds.
+inline constexpr Vec Slab[3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
 
 /// Puts `node` at the front of a list whose records have a member `next`.
 template <class Node>

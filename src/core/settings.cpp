@@ -6,15 +6,6 @@
 #include <algorithm>
 #include <cstdio>
 
-constinit ViewPoint myViewPoint{};
-constinit Display myDisplay{};
-constinit Haze myHaze{};
-constinit Color myBackGroundColor{};
-constinit int iAntialias{}, adapt_dist{}, jitter{}, iImageType{}, jpeg_quality{};
-constinit int bunching{}, iPQSize{}, numThreads{}, use3ds{}, iCameraIndex{};
-constinit Band iBounds[MAX_THREADS]{};
-constinit char inputFileName[INPUT_NAME_SIZE]{};
-
 bool setThreads(int threads)
 {
     numThreads = threads;

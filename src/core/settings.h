@@ -2,8 +2,8 @@
 
 #include "core/vector.h"
 
-// The view and the settings of a run: start values, then the scene, then the command line. The render threads
-// only read them.
+// The view and the settings of a run: the values of setStartValues, then the scene, then the command line.
+// The render threads only read them.
 
 enum Projection { FLAT, FISHEYE };
 enum Antialias { AA_NONE, AA_QUICK, AA_ADAPTIVE };
@@ -44,22 +44,22 @@ struct Band {
 
 constexpr int MAX_THREADS = 8;
 
-extern ViewPoint myViewPoint;
-extern Display myDisplay;
-extern Haze myHaze;
-extern Color myBackGroundColor; // of a ray that hits nothing, when there is no haze
-extern int iAntialias;          // an Antialias
-extern int adapt_dist;          // colour distance at which the adaptive sampler splits
-extern int jitter;              // 1 moves each sample at random within its pixel
-extern int iImageType;          // an ImageType
-extern int jpeg_quality;        // 0 or less stands for 90
-extern int bunching;            // most members of a bounding node
-extern int iPQSize;             // entries of a traversal queue, of which one is never used
-extern int numThreads;          // 2, 4 or 8
-extern Band iBounds[MAX_THREADS];
-extern int use3ds; // 1: the input is a 3DS settings file
-extern char inputFileName[INPUT_NAME_SIZE];
-extern int iCameraIndex; // which camera of a 3DS model
+inline constinit ViewPoint myViewPoint{};
+inline constinit Display myDisplay{};
+inline constinit Haze myHaze{};
+inline constinit Color myBackGroundColor{}; // of a ray that hits nothing, when there is no haze
+inline constinit int iAntialias{};          // an Antialias
+inline constinit int adapt_dist{};          // colour distance at which the adaptive sampler splits
+inline constinit int jitter{};              // 1 moves each sample at random within its pixel
+inline constinit int iImageType{};          // an ImageType
+inline constinit int jpeg_quality{};        // 0 or less stands for 90
+inline constinit int bunching{};            // most members of a bounding node
+inline constinit int iPQSize{};             // entries of a traversal queue, of which one is never used
+inline constinit int numThreads{};          // 2, 4 or 8
+inline constinit Band iBounds[MAX_THREADS]{};
+inline constinit int use3ds{}; // 1: the input is a 3DS settings file
+inline constinit char inputFileName[INPUT_NAME_SIZE]{};
+inline constinit int iCameraIndex{}; // which camera of a 3DS model
 
 /// Sets numThreads. Anything but 2, 4 or 8 becomes 2, with a line on standard output, and returns false.
 bool setThreads(int threads);

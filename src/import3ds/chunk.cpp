@@ -6,9 +6,6 @@
 #include <cstdio>
 #include <cstring>
 
-constinit std::int64_t damagedAt = -1;
-constinit const char* damagedThing = "";
-
 static constexpr std::uint32_t HEADER_SIZE = 6;
 
 static constinit FILE* m_FilePointer = nullptr;

@@ -16,8 +16,8 @@ struct Chunk {
     std::uint32_t bytesRead; // the header included; never above length
 };
 
-extern std::int64_t damagedAt;   // byte of the file at which reading stopped; -1 while there is no damage
-extern const char* damagedThing; // what was wrong there, for the user
+inline constinit std::int64_t damagedAt = -1;   // byte at which reading stopped; -1 while there is no damage
+inline constinit const char* damagedThing = ""; // what was wrong there, for the user
 constexpr const char* FILE_END = "end of file";
 
 /// Opens the one file that is read at a time and forgets damage. False if it cannot be opened.

@@ -4,9 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 
-constinit Vec3f vVMin = {1e12f, 1e12f, 1e12f};
-constinit Vec3f vVMax = {-1e12f, -1e12f, -1e12f};
-
 static Vec3f Vector(Vec3f a, Vec3f b)
 {
     return {a.x - b.x, a.y - b.y, a.z - b.z};

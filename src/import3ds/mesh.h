@@ -6,7 +6,7 @@
 
 /// Corners of the box around the vertices that faces use, over all models so far; until there is one, vVMin
 /// is above vVMax. They are there for a debugger: the picture does not depend on them.
-extern Vec3f vVMin, vVMax;
+inline constinit Vec3f vVMin = {1e12f, 1e12f, 1e12f}, vVMax = {-1e12f, -1e12f, -1e12f};
 
 /// Removes the faces with a vertex index out of range and returns how many there were. All that follows
 /// relies on good indices.

@@ -7,9 +7,6 @@
 #include <cstring>
 #include <utility>
 
-constinit FILE* pictureFile = nullptr;
-constinit unsigned char* image = nullptr;
-
 static constinit char fileName[FILE_NAME_SIZE] = ""; // of the file, for a failed write
 
 int newPicture(int width, int height)

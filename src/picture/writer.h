@@ -42,8 +42,8 @@ constexpr std::size_t rowSize(int width)
 
 // Between open and close: the file, and the bytes of the picture, red, green, blue unless the row operation
 // turned them.
-extern FILE* pictureFile;
-extern unsigned char* image;
+inline constinit FILE* pictureFile = nullptr;
+inline constinit unsigned char* image = nullptr;
 
 /// Makes `image`, black, at the end of an `open`, and returns what that has to.
 int newPicture(int width, int height);

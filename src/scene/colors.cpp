@@ -2,8 +2,6 @@
 
 #include <cstring>
 
-constinit ColorEntry* myColorList = nullptr;
-
 const ColorEntry* findColor(const ColorEntry* head, const char* name)
 {
     while (head != nullptr && strcmp(head->name, name) != 0)

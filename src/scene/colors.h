@@ -13,7 +13,7 @@ struct ColorEntry {
     Color color;
 };
 
-extern ColorEntry* myColorList; // the latest declaration first; null outside parseFile
+inline constinit ColorEntry* myColorList = nullptr; // the latest declaration first; null outside parseFile
 
 /// The latest declaration of a name, or null.
 const ColorEntry* findColor(const ColorEntry* head, const char* name);

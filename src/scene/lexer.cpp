@@ -13,17 +13,6 @@
 #include <string_view>
 #include <utility>
 
-constinit int mot_cle = 0;
-constinit unsigned char type_motcle = 0;
-constinit char chaine[TOKEN_SIZE] = "";
-constinit char strTemp[TOKEN_SIZE] = "";
-constinit double val_DBL = 0.0;
-constinit int val_INT = 0;
-constinit Vec vect_tmp{};
-constinit Color rvb_tmp{};
-constinit int comptligne = 1;
-constinit const char* sourceName = "";
-
 // Character classes of the scanner; a byte of 128 or above belongs to none.
 enum : unsigned char { SPACE = 1, LETTER = 2, IN_WORD = 4, STARTS_NUMBER = 8, IN_NUMBER = 16 };
 

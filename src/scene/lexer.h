@@ -31,18 +31,18 @@ constexpr const char* NO_MEMORY = " memory allocation failed";
 enum NumberMode : unsigned char { MODE_DECIMAL = 2, MODE_INTEGER = 3 };
 
 // The last token and the last value of each form; a caller copies what it wants to keep.
-extern int mot_cle;               // code of the last token
-extern unsigned char type_motcle; // MODE_DECIMAL reads into val_DBL, any other value into val_INT
-extern char chaine[TOKEN_SIZE];   // text of the last word or number, else empty
-extern char strTemp[TOKEN_SIZE];  // last string value
-extern double val_DBL;
-extern int val_INT;
-extern Vec vect_tmp;
-extern Color rvb_tmp;
-extern int comptligne; // 1 plus the line ends read so far, in all files together
+inline constinit int mot_cle = 0;               // code of the last token
+inline constinit unsigned char type_motcle = 0; // MODE_DECIMAL reads into val_DBL, any other into val_INT
+inline constinit char chaine[TOKEN_SIZE] = "";  // text of the last word or number, else empty
+inline constinit char strTemp[TOKEN_SIZE] = ""; // last string value
+inline constinit double val_DBL = 0.0;
+inline constinit int val_INT = 0;
+inline constinit Vec vect_tmp{};
+inline constinit Color rvb_tmp{};
+inline constinit int comptligne = 1; // 1 plus the line ends read so far, in all files together
 
 /// Name of the file that is being read, for the end of a run that cannot read on.
-extern const char* sourceName;
+inline constinit const char* sourceName = "";
 
 /// Reads one token and returns its code, also in mot_cle.
 int Lire_MotCle(FILE* stream);
