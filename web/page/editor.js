@@ -1,7 +1,7 @@
 // The editor: one view, and a state for each file, so that each keeps its own history and place.
 import { autocompletion, closeBrackets, closeBracketsKeymap, completionKeymap } from "@codemirror/autocomplete";
 import { defaultKeymap, history, historyKeymap } from "@codemirror/commands";
-import { bracketMatching, indentUnit, syntaxHighlighting } from "@codemirror/language";
+import { bracketMatching, HighlightStyle, indentUnit, syntaxHighlighting } from "@codemirror/language";
 import { forceLinting, linter, lintKeymap } from "@codemirror/lint";
 import { highlightSelectionMatches, searchKeymap } from "@codemirror/search";
 import { EditorState } from "@codemirror/state";
@@ -14,8 +14,19 @@ import {
   keymap,
   lineNumbers,
 } from "@codemirror/view";
-import { classHighlighter } from "@lezer/highlight";
+import { tags } from "@lezer/highlight";
 import { sceneLanguage } from "./language.js";
+
+// The values are in page.css, light and dark.
+const colours = HighlightStyle.define([
+  { tag: tags.comment, color: "var(--comment)" },
+  { tag: tags.string, color: "var(--string)" },
+  { tag: tags.number, color: "var(--number)" },
+  { tag: tags.keyword, color: "var(--keyword)", fontWeight: "600" },
+  { tag: tags.propertyName, color: "var(--property)" },
+  { tag: tags.variableName, color: "var(--name)" },
+  { tag: tags.invalid, color: "var(--fault)" },
+]);
 
 /**
  * Makes the editor in `parent`.
@@ -42,7 +53,7 @@ export function makeEditor(parent, page) {
         autocompletion(),
         highlightActiveLine(),
         highlightSelectionMatches(),
-        syntaxHighlighting(classHighlighter),
+        syntaxHighlighting(colours),
         indentUnit.of("  "),
         sceneLanguage(name, page.fileNames),
         EditorState.readOnly.of(isFixed),
