@@ -52,7 +52,8 @@ async function buildPlayground() {
     entryPoints: [join(page, "main.js")],
     plugins: [wordsOfTheManual],
   });
-  await esbuild.build({ ...options, format: "iife", entryPoints: [join(page, "worker.js")] });
+  const workers = ["worker.js", "thread.js"].map((file) => join(page, file));
+  await esbuild.build({ ...options, format: "iife", entryPoints: workers });
   await esbuild.build({ ...options, entryPoints: [join(page, "page.css")] });
   cpSync(join(page, "index.html"), join(pages, "index.html"));
   for (const [build, folder] of [

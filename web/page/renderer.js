@@ -30,6 +30,7 @@ export async function start(run, page) {
   stop();
   const worker = spare ?? newWorker();
   spare = undefined;
+  const workers = [worker];
   let frame, shared;
   // Rows that are there are opaque; `all` takes them again, since a row may be seen while it is written.
   const look = (all) => {
@@ -47,7 +48,7 @@ export async function start(run, page) {
   };
   const end = () => {
     cancelAnimationFrame(frame);
-    worker.terminate();
+    for (const each of workers) each.terminate();
     if (running?.worker === worker) running = undefined;
   };
   running = { worker, cancel: end };
@@ -61,13 +62,21 @@ export async function start(run, page) {
     return 1;
   }
   return new Promise((resolve) => {
-    worker.onerror = (event) => {
+    const fail = ({ message }) => {
+      if (running?.worker !== worker) return;
       end();
-      page.print(`\n${event.message}\n`);
+      page.print(`\n${message}\n`);
       resolve(1);
     };
+    worker.onerror = fail;
     worker.onmessage = ({ data }) => {
       if (running?.worker !== worker) return; // stopped with messages on their way
+      if (data.thread) {
+        const thread = new Worker("thread.js");
+        thread.onerror = fail;
+        thread.postMessage(data.thread, [data.thread.port]);
+        workers.push(thread);
+      }
       if (data.text) page.print(data.text);
       if (data.row) page.row(data.row.y, data.row.bytes);
       if (data.picture) {

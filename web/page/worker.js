@@ -4,6 +4,15 @@ import { runVarlo } from "./run.js";
 const script = new URLSearchParams(location.search).get("script");
 importScripts(script); // defines createVarlo
 
+// The page makes the workers of the threads, since Chromium may keep those of a worker that is ended, and that worker
+// with them. The program's script talks to a port as to a worker.
+self.Worker = function (script) {
+  const { port1, port2 } = new MessageChannel();
+  postMessage({ thread: { script, port: port2 } }, [port2]);
+  port1.terminate = () => port1.close();
+  return port1;
+};
+
 let text = "";
 function print(character) {
   text += character;

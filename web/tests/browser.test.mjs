@@ -173,7 +173,7 @@ test("a small picture comes first, rows come as they finish, and a run stops at 
     await type(page, HEAVY);
     await says(page, /^Small picture|^Picture/);
     await says(page, /^Picture: [1-9]\d? %/);
-    // In one step within the page: its threads may keep a small machine busy for a while longer.
+    // In one step within the page: its threads may keep a small machine busy until they have ended.
     const told = await page.evaluate(() => {
       document.querySelector("#stop").click();
       return document.querySelector("#status").textContent;
@@ -184,6 +184,9 @@ test("a small picture comes first, rows come as they finish, and a run stops at 
     await page.waitForTimeout(300);
     assert.equal(await pictureIn(page), before);
     assert.ok(await page.isDisabled("#png"), "no file of half a picture");
+    for (const begun = Date.now(); page.workers().length > 1 && Date.now() - begun < 120_000;)
+      await page.waitForTimeout(50);
+    assert.equal(page.workers().length, 1, "only the worker of the next run is left");
 
     // A change stops a run too, and the picture of the change comes.
     await page.click("#render");
@@ -317,6 +320,7 @@ test("weight, first picture, and speed beside the native program", async (t) => 
     "page.css",
     "main.js",
     "worker.js",
+    "thread.js",
     "varlo-threads/varlo.js",
     "varlo-threads/varlo.worker.js",
     "varlo-threads/varlo.wasm",
