@@ -1,6 +1,7 @@
 #include "model.h"
 
 #include "messages.h"
+#include "parallel.h"
 #include "progress.h"
 #include "skin.h"
 
@@ -14,6 +15,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 constexpr double LEAST_EDGE = 0.01; // ten times the tolerance of the language
 
@@ -29,15 +31,11 @@ FaceKind faceCorners(const Instance& instance, const aiFace& face, Vec corners[3
         if (face.mIndices[k] >= instance.mesh->mNumVertices)
             return FACE_BROKEN;
         corners[k] = instance.place * widen(instance.mesh->mVertices[face.mIndices[k]]);
-        if (!isFinite(corners[k]))
-            return FACE_BROKEN;
     }
-    const Vec a = corners[1] - corners[0], b = corners[2] - corners[0];
-    const double longest = std::max({a.SquareLength(), b.SquareLength(), (b - a).SquareLength()});
-    // Its height is less than a billionth of its length: two corners are one, or all are in a line.
-    if (!((a ^ b).Length() > 1e-9 * longest))
-        return FACE_DEGENERATE;
-    return FACE_GOOD;
+    if (acrossFace(corners).SquareLength() > 0.0)
+        return FACE_GOOD;
+    return isFinite(corners[0]) && isFinite(corners[1]) && isFinite(corners[2]) ? FACE_DEGENERATE
+                                                                                : FACE_BROKEN;
 }
 
 // ---- the format ----
@@ -139,31 +137,54 @@ static void listInstances(Model& model)
 
 // ---- the place ----
 
+// What a block of faces adds to the measures of the model.
+struct Measure {
+    size_t kinds[FACE_KINDS] = {};
+    Vec low = Vec(INFINITY, INFINITY, INFINITY), high = Vec(-INFINITY, -INFINITY, -INFINITY);
+    double squares = 0.0; // of the lengths of edges
+};
+
+static void measureFaces(const Instance& instance, unsigned begin, unsigned end, Measure& measure)
+{
+    for (unsigned f = begin; f < end; ++f) {
+        Vec corners[3];
+        const FaceKind kind = faceCorners(instance, instance.mesh->mFaces[f], corners);
+        ++measure.kinds[kind];
+        if (kind != FACE_GOOD)
+            continue;
+        for (int k = 0; k < 3; ++k) {
+            measure.low = least(measure.low, corners[k]);
+            measure.high = most(measure.high, corners[k]);
+        }
+        measure.squares += (corners[1] - corners[0]).SquareLength();
+    }
+}
+
 /// Counts the faces, and finds their box and a mean of their edges in the frame that the instances have.
 static void measure(Model& model)
 {
-    model.triangles = 0;
-    std::fill_n(model.dropped, FACE_KINDS, size_t{0});
-    model.low = Vec(INFINITY, INFINITY, INFINITY);
-    model.high = -model.low;
-    double squares = 0.0;
+    Measure all;
+    std::vector<Measure> measures;
     for (const Instance& instance : model.instances) {
-        for (unsigned f = 0; f < instance.mesh->mNumFaces; ++f) {
-            Vec corners[3];
-            const FaceKind kind = faceCorners(instance, instance.mesh->mFaces[f], corners);
-            if (kind != FACE_GOOD) {
-                ++model.dropped[kind];
-                continue;
-            }
-            ++model.triangles;
-            for (int k = 0; k < 3; ++k) {
-                model.low = least(model.low, corners[k]);
-                model.high = most(model.high, corners[k]);
-            }
-            squares += (corners[1] - corners[0]).SquareLength();
+        const unsigned faces = instance.mesh->mNumFaces;
+        measures.assign(blocksOf(faces), {});
+        forBlocks(measures.size(), [&](size_t block) {
+            const auto begin = static_cast<unsigned>(block * BLOCK);
+            measureFaces(instance, begin, std::min<unsigned>(faces, begin + BLOCK), measures[block]);
+        });
+        for (const Measure& measure : measures) {
+            for (int kind = 0; kind < FACE_KINDS; ++kind)
+                all.kinds[kind] += measure.kinds[kind];
+            all.low = least(all.low, measure.low);
+            all.high = most(all.high, measure.high);
+            all.squares += measure.squares;
         }
     }
-    model.meanEdge = std::sqrt(squares / static_cast<double>(model.triangles));
+    std::copy_n(all.kinds, FACE_KINDS, model.dropped);
+    model.triangles = std::exchange(model.dropped[FACE_GOOD], 0);
+    model.low = all.low;
+    model.high = all.high;
+    model.meanEdge = std::sqrt(all.squares / static_cast<double>(model.triangles));
 }
 
 /// Turns the axis that points up in the file to z. The front of a y-up model, which is +z, comes to -y, where

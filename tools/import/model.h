@@ -58,6 +58,16 @@ struct Model {
     double meanEdge = 0.0;           // of the triangles, in the scene
 };
 
+/// The product of two edges, which is square to the face; zero if the face has no area or a corner is no
+/// finite number.
+inline Vec acrossFace(const Vec corners[3])
+{
+    const Vec a = corners[1] - corners[0], b = corners[2] - corners[0], across = a ^ b;
+    const double longest = std::max(std::max(a.SquareLength(), b.SquareLength()), (b - a).SquareLength());
+    // Less high than a billionth of its length: two corners are one, or all are in a line.
+    return across.Length() > 1e-9 * longest ? across : Vec();
+}
+
 /// Tells what a face is, and gives the corners of a good one in the frame of the scene.
 FaceKind faceCorners(const Instance& instance, const aiFace& face, Vec corners[3]);
 

@@ -1,5 +1,7 @@
 #include "normals.h"
 
+#include "parallel.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -37,46 +39,73 @@ static float angleAt(const aiMesh& mesh, const aiFace& face, unsigned k)
 
 // ---- points ----
 
-// Finds equal places: a table of open addresses, at most half full, of the numbers of points; 0 is free.
+// Finds equal places: a table of open addresses, at most half full. A slot is known by its hash, of which its
+// address is a part, so that others are passed over, and the table grows, without a look at the places.
 struct PointTable {
-    std::vector<unsigned> slots = std::vector<unsigned>(1024);
-    std::vector<const aiVector3D*> places; // of each point
+    struct Slot {
+        uint32_t hash = 0;
+        unsigned point = 0; // its number plus 1; 0: free
+    };
+    std::vector<Slot> slots = std::vector<Slot>(1024);
+    std::vector<aiVector3D> places; // of each point
 };
 
-static size_t hashOf(const aiVector3D& v)
+static uint32_t hashOf(const aiVector3D& v)
 {
     uint64_t hash = 0;
     for (const float part : {v.x, v.y, v.z}) // adding 0 makes one of 0 and -0
         hash = (hash ^ std::bit_cast<uint32_t>(part + 0.0f)) * 0x9E3779B97F4A7C15u;
-    return hash >> 20;
+    return static_cast<uint32_t>(hash >> 32);
 }
 
-/// The slot of the point at `v`, or the free one that it would take.
-static unsigned& slotAt(PointTable& table, const aiVector3D& v)
+static void growTable(PointTable& table)
+{
+    const std::vector<PointTable::Slot> old = std::move(table.slots);
+    table.slots.assign(old.size() * 2, {});
+    const size_t mask = table.slots.size() - 1;
+    for (const PointTable::Slot& slot : old) {
+        size_t i = slot.hash & mask;
+        while (slot.point != 0 && table.slots[i].point != 0)
+            i = (i + 1) & mask;
+        if (slot.point != 0)
+            table.slots[i] = slot;
+    }
+}
+
+static unsigned pointAt(PointTable& table, const aiVector3D& v, uint32_t hash)
 {
     const size_t mask = table.slots.size() - 1;
-    for (size_t i = hashOf(v) & mask;; i = (i + 1) & mask)
-        if (table.slots[i] == 0 || *table.places[table.slots[i] - 1] == v)
-            return table.slots[i];
+    size_t i = hash & mask;
+    for (; table.slots[i].point != 0; i = (i + 1) & mask)
+        if (table.slots[i].hash == hash && table.places[table.slots[i].point - 1] == v)
+            return table.slots[i].point - 1;
+    table.places.push_back(v);
+    const auto count = static_cast<unsigned>(table.places.size());
+    table.slots[i] = {hash, count};
+    if (count * size_t{2} > table.slots.size())
+        growTable(table);
+    return count - 1;
 }
 
-static unsigned pointAt(PointTable& table, const aiVector3D& given)
+/// The point of each vertex.
+static void findPoints(PointTable& table, const aiMesh& mesh, std::vector<unsigned>& points)
 {
+    constexpr unsigned AHEAD = 16; // the slots of so many vertices are on their way from memory
+    points.resize(mesh.mNumVertices);
     // What is no number equals nothing and would fill the table; its faces count nowhere, so any point does.
-    static const aiVector3D origin;
-    const aiVector3D& v = isFinite(widen(given)) ? given : origin;
-    unsigned& slot = slotAt(table, v);
-    if (slot != 0)
-        return slot - 1;
-    table.places.push_back(&v);
-    const auto count = static_cast<unsigned>(table.places.size());
-    slot = count;
-    if (count * size_t{2} > table.slots.size()) {
-        table.slots.assign(table.slots.size() * 2, 0);
-        for (unsigned i = 0; i < count; ++i)
-            slotAt(table, *table.places[i]) = i + 1;
+    const auto place = [&](unsigned v) {
+        return isFinite(widen(mesh.mVertices[v])) ? mesh.mVertices[v] : aiVector3D();
+    };
+    uint32_t hashes[AHEAD];
+    for (unsigned v = 0; v < mesh.mNumVertices + AHEAD; ++v) {
+        uint32_t& hash = hashes[v % AHEAD];
+        if (v >= AHEAD)
+            points[v - AHEAD] = pointAt(table, place(v - AHEAD), hash);
+        if (v >= mesh.mNumVertices)
+            continue;
+        hash = hashOf(place(v));
+        __builtin_prefetch(&table.slots[hash & (table.slots.size() - 1)]);
     }
-    return count - 1;
 }
 
 // ---- groups ----
@@ -87,17 +116,31 @@ static void findSmoothPoints(SmoothGroup& group)
 {
     const double half = std::cos(std::acos(std::clamp(group.cosine, -1.0, 1.0)) / 2.0);
     group.smooth.resize(group.first.size() - 1);
-    for (size_t point = 0; point < group.smooth.size(); ++point) {
-        const size_t begin = group.first[point], end = group.first[point + 1];
-        aiVector3D sum;
-        for (size_t i = begin; i < end; ++i)
-            sum += group.facets[group.meetings[i].facet] * group.meetings[i].angle;
-        const double least = half * static_cast<double>(sum.Length());
-        bool agree = end > begin && least > 0.0;
-        for (size_t i = begin; i < end && agree; ++i)
-            agree = static_cast<double>(sum * group.facets[group.meetings[i].facet]) >= least;
-        if (agree)
-            group.smooth[point] = sum;
+    forBlocks(blocksOf(group.smooth.size()), [&](size_t block) {
+        for (size_t point = block * BLOCK; point < std::min(group.smooth.size(), (block + 1) * BLOCK);
+             ++point) {
+            const size_t begin = group.first[point], end = group.first[point + 1];
+            aiVector3D sum;
+            for (size_t i = begin; i < end; ++i)
+                sum += group.facets[group.meetings[i] / 3] * group.angles[group.meetings[i]];
+            const double least = half * static_cast<double>(sum.Length());
+            bool agree = end > begin && least > 0.0;
+            for (size_t i = begin; i < end && agree; ++i)
+                agree = static_cast<double>(sum * group.facets[group.meetings[i] / 3]) >= least;
+            if (agree)
+                group.smooth[point] = sum;
+        }
+    });
+}
+
+/// The normals and angles of a block of the faces of a mesh.
+static void measureFacets(SmoothGroup& group, const aiMesh& mesh, size_t firstFacet, size_t block)
+{
+    for (size_t f = block * BLOCK; f < std::min<size_t>(mesh.mNumFaces, (block + 1) * BLOCK); ++f) {
+        aiVector3D& facet = group.facets[firstFacet + f];
+        facet = facetOf(mesh, mesh.mFaces[f]);
+        for (unsigned k = 0; k < 3 && facet.SquareLength() > 0.0f; ++k)
+            group.angles[3 * (firstFacet + f) + k] = angleAt(mesh, mesh.mFaces[f], k);
     }
 }
 
@@ -106,16 +149,25 @@ void makeGroup(SmoothGroup& group, double degrees, const std::vector<const aiMes
 {
     group.cosine = std::cos(degrees * PI / 180.0) - 1e-4; // an edge of just this angle is smoothed
 
+    size_t faces = 0;
+    for (const aiMesh* mesh : meshes)
+        faces += mesh->mNumFaces;
+    group.facets.resize(faces);
+    group.angles.resize(3 * faces);
     PointTable table;
+    faces = 0;
     for (size_t m = 0; m < meshes.size(); ++m) {
         const aiMesh& mesh = *meshes[m];
         parts[m]->group = &group;
-        parts[m]->firstFacet = static_cast<unsigned>(group.facets.size());
-        parts[m]->points.reserve(mesh.mNumVertices);
-        for (unsigned v = 0; v < mesh.mNumVertices; ++v)
-            parts[m]->points.push_back(pointAt(table, mesh.mVertices[v]));
-        for (unsigned f = 0; f < mesh.mNumFaces; ++f)
-            group.facets.push_back(facetOf(mesh, mesh.mFaces[f]));
+        parts[m]->firstFacet = static_cast<unsigned>(faces);
+        // One thread finds the points while the others take the faces.
+        forBlocks(1 + blocksOf(mesh.mNumFaces), [&](size_t block) {
+            if (block == 0)
+                findPoints(table, mesh, parts[m]->points);
+            else
+                measureFacets(group, mesh, faces, block - 1);
+        });
+        faces += mesh.mNumFaces;
     }
 
     // Count the faces at each point, sum the counts up, and fill each point's part from its end.
@@ -124,35 +176,33 @@ void makeGroup(SmoothGroup& group, double degrees, const std::vector<const aiMes
         for (size_t m = 0; m < meshes.size(); ++m)
             for (unsigned f = 0; f < meshes[m]->mNumFaces; ++f) {
                 const unsigned facet = parts[m]->firstFacet + f;
-                const aiFace& face = meshes[m]->mFaces[f];
                 if (group.facets[facet].SquareLength() > 0.0f)
                     for (unsigned k = 0; k < 3; ++k)
-                        act(parts[m]->points[face.mIndices[k]], facet, *meshes[m], face, k);
+                        act(parts[m]->points[meshes[m]->mFaces[f].mIndices[k]], 3 * facet + k);
             }
     };
-    eachCorner([&](unsigned point, auto&&...) { ++group.first[point]; });
+    eachCorner([&](unsigned point, unsigned) { ++group.first[point]; });
     unsigned sum = 0;
     for (unsigned& first : group.first)
         first = sum += first;
     group.meetings.resize(sum);
-    eachCorner([&](unsigned point, unsigned facet, const aiMesh& mesh, const aiFace& face, unsigned k) {
-        group.meetings[--group.first[point]] = {facet, angleAt(mesh, face, k)};
-    });
+    eachCorner([&](unsigned point, unsigned corner) { group.meetings[--group.first[point]] = corner; });
     findSmoothPoints(group);
 }
 
 Vec smoothNormal(const MeshPart& part, const aiFace& faceRecord, unsigned face, int k)
 {
     const SmoothGroup& group = *part.group;
+    if (const aiVector3D* agreed = agreedNormal(part, faceRecord.mIndices[k]); agreed != nullptr)
+        return widen(*agreed);
     const unsigned point = part.points[faceRecord.mIndices[k]];
-    if (const aiVector3D& smooth = group.smooth[point]; smooth.SquareLength() > 0.0f)
-        return widen(smooth);
     const Vec own = widen(group.facets[part.firstFacet + face]);
     const size_t begin = group.first[point], end = group.first[point + 1];
     Vec sum;
     for (size_t i = begin; i < end; i += (end - begin) / HUB + 1) {
-        const Vec other = widen(group.facets[group.meetings[i].facet]);
-        const double cosine = own * other, angle = static_cast<double>(group.meetings[i].angle);
+        const unsigned corner = group.meetings[i];
+        const Vec other = widen(group.facets[corner / 3]);
+        const double cosine = own * other, angle = static_cast<double>(group.angles[corner]);
         // In many a file some faces run the other way round; they lie against their neighbours all the same.
         if (cosine >= group.cosine)
             sum += other * angle;

@@ -5,6 +5,7 @@
 #include <assimp/types.h>
 #include <assimp/vector3.h>
 
+#include <algorithm>
 #include <cmath>
 
 // The library's own types, in doubles: it reads floats, and what is turned, moved and scaled between them
@@ -27,12 +28,12 @@ inline bool isFinite(const Vec& v)
 
 inline Vec least(const Vec& a, const Vec& b)
 {
-    return {std::fmin(a.x, b.x), std::fmin(a.y, b.y), std::fmin(a.z, b.z)};
+    return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
 }
 
 inline Vec most(const Vec& a, const Vec& b)
 {
-    return {std::fmax(a.x, b.x), std::fmax(a.y, b.y), std::fmax(a.z, b.z)};
+    return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
 }
 
 /// `v` with the length 1; the zero vector stays zero.
