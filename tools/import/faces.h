@@ -2,10 +2,14 @@
 
 #include "model.h"
 
+struct CornerText;
+
 /// A triangle in the frame of the scene.
 struct Face {
     Vec corners[3];
     Vec normals[3]; // unit, all on one side of the face
+    CornerText*
+        texts[3]; // of the corners as they are; null where there is none, and until the next face is made
 };
 
 /// Fills `face` from face `index` of the instance's mesh. False if that is none to show.

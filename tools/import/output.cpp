@@ -1,10 +1,13 @@
 #include "output.h"
 
+#include "parallel.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
@@ -19,8 +22,12 @@ static constinit int file = -1;
 static constinit int failure = 0;              // errno of the first write that failed
 static constinit const char* wanted = nullptr; // null: standard output
 static std::string temporary;                  // empty: written to directly
-static constinit char buffer[1 << 16] = {};
-static constinit size_t filled = 0;
+
+// Each thread fills a buffer with the part that it puts, and writes when it is that part's turn.
+static thread_local constinit char buffer[1 << 17] = {};
+static thread_local constinit size_t filled = 0;
+static thread_local constinit size_t ownPart = 0;
+static constinit std::atomic<size_t> turn = 0;
 
 static bool fail(int error)
 {
@@ -70,6 +77,8 @@ bool openOutput(const char* path)
 
 static void flush()
 {
+    for (size_t part; (part = turn) != ownPart;)
+        turn.wait(part);
     for (size_t done = 0; done < filled && failure == 0;) {
         const ssize_t n = write(file, buffer + done, filled - done);
         if (n >= 0)
@@ -92,6 +101,19 @@ bool finishOutput()
     if (!temporary.empty())
         unlink(temporary.c_str());
     return fail(failure);
+}
+
+void putInOrder(size_t count, const std::function<void(size_t)>& putPart)
+{
+    flush();
+    forBlocks(count, [&](size_t part) {
+        ownPart = part;
+        putPart(part);
+        flush();
+        turn = part + 1;
+        turn.notify_all();
+    });
+    ownPart = turn = 0;
 }
 
 void put(std::string_view text)
@@ -124,6 +146,7 @@ void put(size_t number)
 char* formatRounded(char* out, double number, int decimals)
 {
     constexpr double MOST = 9e15; // what a double holds to the last digit
+    constexpr size_t MOST_DIGITS = 16;
     static constexpr double POWERS[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                         1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     const double scaled = std::fabs(number) * POWERS[decimals] + 0.5;
@@ -133,21 +156,24 @@ char* formatRounded(char* out, double number, int decimals)
         *out++ = '0';
         return out;
     }
-    if (number < 0.0)
-        *out++ = '-';
-    char digits[LONGEST_NUMBER];
-    long count = std::to_chars(digits, digits + sizeof digits, static_cast<int64_t>(scaled)).ptr - digits;
-    const long whole = count - decimals; // digits ahead of the point; below 0, zeros behind it
-    while (count > std::max(whole, 1L) && digits[count - 1] == '0')
-        --count;
-    if (whole <= 0)
-        *out++ = '0';
-    for (long i = std::min(whole, 0L); i < count; ++i) {
-        if (i == whole)
-            *out++ = '.';
-        *out++ = i < 0 ? '0' : digits[i];
-    }
-    return out;
+    *out = '-';
+    out += number < 0.0 ? 1 : 0; // no branch: nothing foretells a sign
+    // Zeros ahead of the digits, for a point that stands further to the left. Both parts are moved as 16
+    // bytes, whatever their length.
+    char digits[MOST_DIGITS + LONGEST_NUMBER] = "0000000000000000";
+    char* const first = digits + MOST_DIGITS;
+    const char* end = std::to_chars(first, std::end(digits), static_cast<uint64_t>(scaled)).ptr;
+    const char* const point = end - decimals;
+    const char* const begin = std::min<const char*>(first, point - 1);
+    memcpy(out, begin, MOST_DIGITS);
+    out += point - begin;
+    while (end > point && end[-1] == '0')
+        --end;
+    if (end == point)
+        return out;
+    *out = '.';
+    memcpy(out + 1, point, MOST_DIGITS);
+    return out + 1 + (end - point);
 }
 
 void putRounded(double number, int decimals)

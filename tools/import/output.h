@@ -2,6 +2,7 @@
 
 #include "vec.h"
 
+#include <functional>
 #include <string_view>
 
 /// Begins the scene that is written, one at a time. `path` null stands for standard output. A file of that
@@ -11,6 +12,10 @@ bool openOutput(const char* path);
 
 /// True when all was written. False, with a message, when any write failed: then no file is left behind.
 bool finishOutput();
+
+/// Calls `putPart` with the number of each part below `count`, on several threads. What a part appends comes
+/// out behind that of all parts before it.
+void putInOrder(size_t count, const std::function<void(size_t part)>& putPart);
 
 // Each of these appends to the output. A failure is kept for `finishOutput`.
 
@@ -27,9 +32,9 @@ void put(double number);
 /// The number rounded to that many digits behind the point, from 0 to 15, without zeros at its end.
 void putRounded(double number, int decimals);
 
-/// The same, and a vector `<x y z>` of such numbers, into `out`; their end comes back. A number takes at most
-/// LONGEST_NUMBER bytes less 2.
-constexpr size_t LONGEST_NUMBER = 32;
+/// The same, and a vector `<x y z>` of such numbers, into `out`, which has LONGEST_NUMBER bytes for each; the
+/// end of what it holds comes back.
+constexpr size_t LONGEST_NUMBER = 40;
 char* formatRounded(char* out, double number, int decimals);
 char* formatVector(char* out, const Vec& v, int decimals);
 

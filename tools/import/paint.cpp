@@ -2,6 +2,7 @@
 
 #include "messages.h"
 #include "output.h"
+#include "parallel.h"
 
 #include <algorithm>
 #include <numeric>
@@ -146,35 +147,55 @@ std::vector<Paint> makePaints(const Options& options, const Model& model)
 
 static void putPlain(const Options& options, const Model& model, const Paint& paint)
 {
-    bool first = true;
-    for (size_t i = paint.begin; i < paint.end; ++i) {
-        const Instance& instance = model.instances[i];
-        Face face;
-        for (unsigned f = 0; f < instance.mesh->mNumFaces && !paint.painted[i - paint.begin]; ++f) {
-            if (!makeFace(instance, f, face))
-                continue;
-            if (first)
-                putSurface(paint.surface, paint.surface.colour);
-            first = false;
-            putFace(face, 1, options.flat);
+    // The faces of all instances count on; `ends` has the number behind the last of each.
+    std::vector<size_t> ends;
+    size_t count = 0;
+    for (size_t i = paint.begin; i < paint.end; ++i)
+        ends.push_back(count += paint.painted[i - paint.begin] ? 0 : model.instances[i].mesh->mNumFaces);
+
+    const auto eachFace = [&](size_t begin, auto&& act) {
+        size_t i = static_cast<size_t>(std::upper_bound(ends.begin(), ends.end(), begin) - ends.begin());
+        for (size_t end = std::min(count, begin + BLOCK); begin < end; ++begin) {
+            while (begin >= ends[i])
+                ++i;
+            const Instance& instance = model.instances[paint.begin + i];
+            const size_t faces = instance.mesh->mNumFaces;
+            Face face;
+            if (makeFace(instance, static_cast<unsigned>(begin - (ends[i] - faces)), face))
+                act(face);
         }
-    }
+    };
+    bool any = false;
+    for (size_t begin = 0; begin < count && !any; begin += BLOCK)
+        eachFace(begin, [&](const Face&) { any = true; });
+    if (!any)
+        return;
+    putSurface(paint.surface, paint.surface.colour);
+    putInOrder(blocksOf(count), [&](size_t block) {
+        eachFace(block * BLOCK, [&](const Face& face) { putFace(face, 1, options.flat); });
+    });
+}
+
+static void putPieces(const Options& options, const Model& model, const Paint& paint)
+{
+    std::vector<unsigned> order(paint.pieces.size());
+    std::iota(order.begin(), order.end(), 0u);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](unsigned a, unsigned b) { return paint.colours[a] < paint.colours[b]; });
+    putInOrder(blocksOf(order.size()), [&](size_t block) {
+        Face face;
+        for (size_t i = block * BLOCK; i < std::min(order.size(), (block + 1) * BLOCK); ++i) {
+            const Piece& piece = paint.pieces[order[i]];
+            if (i == 0 || paint.colours[order[i]] != paint.colours[order[i - 1]])
+                putSurface(paint.surface, paint.palette[paint.colours[order[i]]]);
+            if (makeFace(model.instances[piece.instance], piece.face, face))
+                putFace(face, piece.part, options.flat);
+        }
+    });
 }
 
 void putPaint(const Options& options, const Model& model, const Paint& paint)
 {
     putPlain(options, model, paint);
-
-    std::vector<unsigned> order(paint.pieces.size());
-    std::iota(order.begin(), order.end(), 0u);
-    std::stable_sort(order.begin(), order.end(),
-                     [&](unsigned a, unsigned b) { return paint.colours[a] < paint.colours[b]; });
-    Face face;
-    for (size_t i = 0; i < order.size(); ++i) {
-        const Piece& piece = paint.pieces[order[i]];
-        if (i == 0 || paint.colours[order[i]] != paint.colours[order[i - 1]])
-            putSurface(paint.surface, paint.palette[paint.colours[order[i]]]);
-        if (makeFace(model.instances[piece.instance], piece.face, face))
-            putFace(face, piece.part, options.flat);
-    }
+    putPieces(options, model, paint);
 }

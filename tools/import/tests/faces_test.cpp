@@ -154,6 +154,30 @@ TEST_F(FacesTest, whatIsNoTriangleIsCounted)
     EXPECT_NE(thin.err.find("2 points and lines left out"), std::string::npos) << thin.err;
 }
 
+TEST_F(FacesTest, manyComeInTheirOrder)
+{
+    // A strip in three objects of one material, more faces than a thread takes at a time; every 100th has no
+    // area.
+    constexpr int FACES = 6000;
+    std::ostringstream text;
+    for (int i = 0; i < FACES + 2; ++i)
+        text << "v " << i << " " << i % 2 << " 0\n";
+    for (int i = 1; i <= FACES; ++i) {
+        if (i % 1900 == 1)
+            text << "o part" << i << "\n";
+        text << "f " << i << " " << i + 1 << " " << (i % 100 == 0 ? i : i + 2) << "\n";
+    }
+    write("strip.obj", text.str());
+    const Scene strip = scene("--keep-size --flat strip.obj");
+    EXPECT_EQ(strip.surfaces.size(), 2u); // with the floor's
+    ASSERT_EQ(strip.patches.size(), static_cast<size_t>(FACES - FACES / 100));
+    int i = 1;
+    for (const auto& patch : strip.patches) {
+        i += i % 100 == 0 ? 1 : 0;
+        ASSERT_EQ(patch.corners[0].x, i++ - 1);
+    }
+}
+
 /// The box of all corners.
 static std::pair<Vec, Vec> boxOf(const Scene& scene)
 {
