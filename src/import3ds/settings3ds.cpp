@@ -7,7 +7,6 @@
 #include "scene/view.h"
 
 #include <cstring>
-#include <vector>
 
 using namespace block;
 
@@ -18,8 +17,8 @@ static bool names3DSFile(char* name)
 
 void yy_3DSSettings(FILE* stream, char* inputName, Light* light)
 {
-    openBlock(stream);
     iImageType = TGA;
+    startPicture();
     Vec focalPoint{};
     const BlockWord ownWords[] = {
         any("input_name", inputName, names3DSFile, " '.3ds' file expected."),
@@ -33,11 +32,9 @@ void yy_3DSSettings(FILE* stream, char* inputName, Light* light)
         any("radius", &light->radius, isAboveZero, LIGHT_RADIUS_FAULT),
         any("light_samples", &light->samples, isAboveZero, LIGHT_SAMPLES_FAULT),
     };
-    startPicture();
-    const auto sharedWords = pictureWords();
-    std::vector<BlockWord> words(sharedWords.begin(), sharedWords.end());
+    auto words = pictureWords();
     words.insert(words.end(), std::begin(ownWords), std::end(ownWords));
-    readWords(stream, words, " Unkown parameter in 3ds settings structure");
+    readBlock(stream, words, " Unkown parameter in 3ds settings structure");
     if (light->shadowType == SMOOTH_SHADOW &&
         (countOf(words, "radius") != 1 || countOf(words, "light_samples") != 1))
         yyerror(" Error in lights specifications - missing parameters");

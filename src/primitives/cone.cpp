@@ -3,15 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 
-static int coneIntersect(const Object* self, const Ray* ray, Hit* hit)
-{
-    double t;
-    if (!coneReach(recordOf<Cone>(self), *ray, &t))
-        return 0;
-    *hit = {.distance = t, .entering = 0, .object = self, .hitNormal = {}}; // 0 from either side
-    return 1;
-}
-
 /// Points away from the axis; on a cone it is tilted, to stand square on the wall.
 static Vec coneNormal(const Object* self, Vec point, const Hit*)
 {
@@ -29,7 +20,8 @@ static void conePrint(const Object* self)
            c.cap.z, c.capRadius);
 }
 
-constinit const Operations coneOperations = {coneIntersect, coneNormal, conePrint};
+// not entered, from either side
+constinit const Operations coneOperations = {evenIntersect<Cone, coneReach, 0>, coneNormal, conePrint};
 
 /// Fills the right-angled frame around the axis.
 static void makeFrame(Cone* cone)
@@ -44,16 +36,12 @@ static void makeFrame(Cone* cone)
 /// The extent of the two end circles: straight flanks lie within it.
 static void boundCone(Cone* self)
 {
-    const Cone& cone = *self;
-    double *low = self->head.boundsMin, *high = self->head.boundsMax;
+    double *low = self->head.boundsMin, *high = self->head.boundsMax, capLow[3], capHigh[3];
+    boundCircle(self->base, self->axis, self->baseRadius, low, high);
+    boundCircle(self->cap, self->axis, self->capRadius, capLow, capHigh);
     for (int i = 0; i < 3; ++i) {
-        const double f = circleExtent(cone.axis, Slab[i]);
-        low[i] = coordinate(cone.base, i) - f * cone.baseRadius;
-        high[i] = coordinate(cone.base, i) + f * cone.baseRadius;
-        const double lo = coordinate(cone.cap, i) - f * cone.capRadius;
-        const double hi = coordinate(cone.cap, i) + f * cone.capRadius;
-        low[i] = std::min(low[i], lo);
-        high[i] = std::max(high[i], hi);
+        low[i] = std::min(low[i], capLow[i]);
+        high[i] = std::max(high[i], capHigh[i]);
     }
 }
 

@@ -8,7 +8,7 @@ static void planePrint(const Object* self)
     printf("Plane: Nx = %g, Ny = %g, Nz = %g, D = %g\n", p.normal.x, p.normal.y, p.normal.z, p.offset);
 }
 
-constinit const Operations planeOperations = {flatIntersect<Plane, planeReach>, flatNormal<Plane>,
+constinit const Operations planeOperations = {evenIntersect<Plane, planeReach>, flatNormal<Plane>,
                                               planePrint};
 
 Object* makePlane(Vec normal, double distance)

@@ -8,7 +8,7 @@ static void polygonPrint(const Object*)
     printf("polygon\n");
 }
 
-constinit const Operations polygonOperations = {flatIntersect<Polygon, polygonReach>, flatNormal<Polygon>,
+constinit const Operations polygonOperations = {evenIntersect<Polygon, polygonReach>, flatNormal<Polygon>,
                                                 polygonPrint};
 
 Object* makePolygon(const Vec* vertices, int count)

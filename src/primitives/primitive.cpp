@@ -17,10 +17,14 @@ void boundPoints(Object* self, const Vec* points, int count, double margin)
     }
 }
 
-double circleExtent(Vec axis, Vec direction)
+void boundCircle(Vec center, Vec axis, double radius, double low[3], double high[3])
 {
-    const double w = dot(axis, direction);
-    return std::sqrt(1.0 - w * w); // no number for an axis that could not be made unit
+    for (int i = 0; i < 3; ++i) {
+        const double w = dot(axis, Slab[i]);
+        const double extent = std::sqrt(1.0 - w * w) * radius; // no number if the axis could not be made unit
+        low[i] = coordinate(center, i) - extent;
+        high[i] = coordinate(center, i) + extent;
+    }
 }
 
 Object* listPrimitive(Object* self)

@@ -28,21 +28,20 @@ static inline Record* newPrimitive(ObjectType type)
 /// Sets the bounds to the extent of `count` points along the Slab directions, widened by `margin`.
 void boundPoints(Object* self, const Vec* points, int count, double margin);
 
-/// Half the extent along the unit vector `direction` of a circle of radius 1 square to the unit vector
-/// `axis`.
-double circleExtent(Vec axis, Vec direction);
+/// Fills `low` and `high` with the extent of a circle square to the unit vector `axis`.
+void boundCircle(Vec center, Vec axis, double radius, double low[3], double high[3]);
 
 /// Puts the finished record onto myObjectList, counts it in nPrims and returns it.
 Object* listPrimitive(Object* self);
 
-/// The intersection test of a flat record, which is entered from both sides.
-template <class Flat, bool (*reach)(const Flat& flat, const Ray& ray, double* t)>
-static int flatIntersect(const Object* self, const Ray* ray, Hit* hit)
+/// The intersection test of a record whose hits are alike from both sides: a flat one is always entered.
+template <class Record, bool (*reach)(const Record& record, const Ray& ray, double* t), int entering = 1>
+static int evenIntersect(const Object* self, const Ray* ray, Hit* hit)
 {
     double t;
-    if (!reach(recordOf<Flat>(self), *ray, &t))
+    if (!reach(recordOf<Record>(self), *ray, &t))
         return 0;
-    *hit = {.distance = t, .entering = 1, .object = self, .hitNormal = {}};
+    *hit = {.distance = t, .entering = entering, .object = self, .hitNormal = {}};
     return 1;
 }
 

@@ -9,7 +9,7 @@ static void ringPrint(const Object* self)
            r.normal.z, r.center.x, r.center.y, r.center.z);
 }
 
-constinit const Operations ringOperations = {flatIntersect<Ring, ringReach>, flatNormal<Ring>, ringPrint};
+constinit const Operations ringOperations = {evenIntersect<Ring, ringReach>, flatNormal<Ring>, ringPrint};
 
 Object* makeRing(Vec center, Vec normal, double innerRadius, double outerRadius)
 {
@@ -25,10 +25,6 @@ Object* makeRing(Vec center, Vec normal, double innerRadius, double outerRadius)
     ring->offset = -dot(normal, center);
     ring->innerSquared = innerRadius * innerRadius;
     ring->outerSquared = outerRadius * outerRadius;
-    for (int i = 0; i < 3; ++i) {
-        const double extent = circleExtent(normal, Slab[i]) * outerRadius;
-        ring->head.boundsMin[i] = coordinate(center, i) - extent;
-        ring->head.boundsMax[i] = coordinate(center, i) + extent;
-    }
+    boundCircle(center, normal, outerRadius, ring->head.boundsMin, ring->head.boundsMax);
     return listPrimitive(&ring->head);
 }

@@ -7,7 +7,7 @@ static void trianglePrint(const Object*)
     printf("triangle\n");
 }
 
-constinit const Operations triangleOperations = {flatIntersect<Triangle, triangleReach>, flatNormal<Triangle>,
+constinit const Operations triangleOperations = {evenIntersect<Triangle, triangleReach>, flatNormal<Triangle>,
                                                  trianglePrint};
 
 Object* makeTriangle(const Vec* vertices)

@@ -32,6 +32,14 @@ static constexpr auto classes = [] {
     return table;
 }();
 
+// The codes of the characters that are tokens, here in the order of their codes; 0 for all others.
+static constexpr auto marks = [] {
+    std::array<unsigned char, 256> codes{};
+    for (unsigned char code = TOKEN_OPEN; const unsigned char c : std::string_view("{}<>#\""))
+        codes[c] = code++;
+    return codes;
+}();
+
 /// False for the end of file too.
 static bool is(int c, int flags)
 {
@@ -224,24 +232,10 @@ int Lire_MotCle(FILE* stream)
 {
     chaine[0] = '\0';
     const int c = skipBlank(stream);
-    switch (c) {
-    case EOF:
+    if (c == EOF)
         return mot_cle = TOKEN_EOF;
-    case '{':
-        return mot_cle = TOKEN_OPEN;
-    case '}':
-        return mot_cle = TOKEN_CLOSE;
-    case '"':
-        return mot_cle = TOKEN_QUOTE;
-    case '<':
-        return mot_cle = TOKEN_LESS;
-    case '>':
-        return mot_cle = TOKEN_GREATER;
-    case '#':
-        return mot_cle = TOKEN_HASH;
-    default:
-        break;
-    }
+    if (marks[static_cast<size_t>(c)] != 0)
+        return mot_cle = marks[static_cast<size_t>(c)];
     if (is(c, LETTER)) {
         collect(stream, c, IN_WORD);
         return mot_cle = Trouve_MotCle();

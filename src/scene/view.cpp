@@ -71,7 +71,7 @@ void startPicture()
     myHaze = {};
 }
 
-std::array<BlockWord, NUM_PICTURE_WORDS> pictureWords()
+std::vector<BlockWord> pictureWords()
 {
     return {
         any("background", &myBackGroundColor),

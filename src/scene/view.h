@@ -2,7 +2,7 @@
 
 #include "scene/block.h"
 
-#include <array>
+#include <vector>
 
 // The blocks that describe no geometry: the camera, and the settings of the picture.
 
@@ -18,10 +18,8 @@ void startCamera();
 /// Gives the settings of the picture the values that stand until a parameter changes them.
 void startPicture();
 
-constexpr int NUM_PICTURE_WORDS = 10;
-
 /// The parameters of the picture's settings, all of them optional. They lead to the globals.
-std::array<BlockWord, NUM_PICTURE_WORDS> pictureWords();
+std::vector<BlockWord> pictureWords();
 
 /// The fault of a number of rays through the lens that is not above 0.
 constexpr const char* CAMERA_SAMPLES_FAULT = " camera samples must be greater than 0";
