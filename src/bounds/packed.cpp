@@ -47,11 +47,15 @@ static void packBounds(const Object* member, PackedNode* packed, int lane, Packi
 
 namespace
 {
-/// What stands in one packed node: its members, and the nodes that gave up their place to theirs. The owner
-/// of either is the folded node right above it, by number, or -1.
+struct Member {
+    const Object* object;
+    int owner; // the folded node right above it, by number, or -1
+};
+
+/// What stands in one packed node: its members, and the nodes that gave up their place to theirs, with the
+/// owners of these.
 struct Members {
-    const Object* objects[LANES];
-    int owners[LANES];
+    Member list[LANES];
     int count = 0;
     int foldedOwners[MAX_FOLDED];
     int folded = 0;
@@ -60,10 +64,8 @@ struct Members {
 
 static void addMembers(const Object* node, int owner, Members* members)
 {
-    for (const Object* member = childrenOf(node).first; member != nullptr; member = member->next) {
-        members->objects[members->count] = member;
-        members->owners[members->count++] = owner;
-    }
+    for (const Object* member = childrenOf(node).first; member != nullptr; member = member->next)
+        members->list[members->count++] = {member, owner};
 }
 
 /// Half the surface of the bounds.
@@ -81,7 +83,7 @@ static int laneToFold(const Members& members)
     int found = -1;
     double largest = -1.0;
     for (int lane = 0; lane < members.count; ++lane) {
-        const Object* object = members.objects[lane];
+        const Object* object = members.list[lane].object;
         if (object->type != BOUNDING_NODE || members.count - 1 + childrenOf(object).count > LANES)
             continue;
         if (const double surface = surfaceOf(object); surface > largest) {
@@ -92,18 +94,20 @@ static int laneToFold(const Members& members)
     return found;
 }
 
-/// The members of `node`; as long as there is room for them, those of a member stand in its place.
+/// The members of `node`, primitives first; as long as there is room for them, those of a member stand in its
+/// place.
 static Members gatherMembers(const Object* node)
 {
     Members members;
     addMembers(node, -1, &members);
     for (int lane; (lane = laneToFold(members)) >= 0;) {
-        const Object* folded = members.objects[lane];
-        members.foldedOwners[members.folded] = members.owners[lane];
-        members.objects[lane] = members.objects[--members.count];
-        members.owners[lane] = members.owners[members.count];
-        addMembers(folded, members.folded++, &members);
+        const Member folded = members.list[lane];
+        members.foldedOwners[members.folded] = folded.owner;
+        members.list[lane] = members.list[--members.count];
+        addMembers(folded.object, members.folded++, &members);
     }
+    std::partition(members.list, members.list + members.count,
+                   [](const Member& member) { return member.object->type != BOUNDING_NODE; });
     return members;
 }
 
@@ -119,15 +123,15 @@ static PackedMember pack(const Object* node, Packing* packing)
     const Members members = gatherMembers(node);
     // The records lie anywhere in memory: ask for those of all lanes before going down the first.
     for (int lane = 0; lane < members.count; ++lane)
-        if (members.objects[lane]->type == BOUNDING_NODE) {
-            const Object* first = childrenOf(members.objects[lane]).first;
+        if (members.list[lane].object->type == BOUNDING_NODE) {
+            const Object* first = childrenOf(members.list[lane].object).first;
             __builtin_prefetch(first);
             __builtin_prefetch(&first->type);
         }
     for (int lane = 0; lane < members.count; ++lane) {
-        const Object* member = members.objects[lane];
+        const auto [member, nearest] = members.list[lane];
         packBounds(member, packed, lane, packing);
-        for (int owner = members.owners[lane]; owner >= 0; owner = members.foldedOwners[owner])
+        for (int owner = nearest; owner >= 0; owner = members.foldedOwners[owner])
             folded->lanes[owner] |= static_cast<std::uint8_t>(1 << lane);
         packed->members[lane] = member->type == BOUNDING_NODE ? pack(member, packing) : memberOf(member);
     }

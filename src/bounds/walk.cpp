@@ -14,9 +14,9 @@
 #include <immintrin.h>
 #endif
 
-// The fast walk: depth first over the packed tree, with a small stack, the nearest member first. `intersect`
-// and its heap define what a ray hits; this walk finds the same in less time, or says that it cannot be sure,
-// and then the heap is asked. Why the same:
+// The fast walk: depth first over the packed tree, with a small stack; of a node first the primitives, then
+// the nodes, the nearest first. `intersect` and its heap define what a ray hits; this walk finds the same in
+// less time, or says that it cannot be sure, and then the heap is asked. Why the same:
 //
 // The heap opens nodes and tests objects in the order of their keys, the distances at which the ray enters
 // their bounds, and a member's key is never below that of its node, because bounds enclose and rounding keeps
@@ -57,8 +57,6 @@ static constexpr double SLACK = 1e-9;
 static constexpr double FLOAT_SLACK = 1e-6;
 // Limits of what the proof covers.
 static constexpr double LEAST_INVERSE = 1e-6, MOST_INVERSE = 1e30, MOST = 1e20;
-
-static constexpr PackedMember NO_MEMBER = 0;
 
 // What opening a node may add to the heap, by its passing members: their number less one, or nothing.
 static constexpr auto gainOf = [] {
