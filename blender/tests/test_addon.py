@@ -10,7 +10,6 @@ import unittest
 from pathlib import Path
 
 import bpy
-import numpy
 
 sys.path.insert(0, str(Path(__file__).parent))
 from support import FOLDER, covered, fresh, grown, number, numbers, rendered, statement, written  # noqa: E402
@@ -19,16 +18,6 @@ from support import FOLDER, covered, fresh, grown, number, numbers, rendered, st
 def add(kind: str, **words: object) -> bpy.types.Object:
     getattr(bpy.ops.mesh, f"primitive_{kind}_add")(**words)
     return bpy.context.object
-
-
-def curve() -> None:
-    bpy.ops.curve.primitive_bezier_circle_add(radius=1.5)
-    bpy.context.object.data.bevel_depth = 0.3
-
-
-def text() -> None:
-    bpy.ops.object.text_add(location=(-1.5, 0, 0), rotation=(1.5, 0, 0))
-    bpy.context.object.data.extrude = 0.1
 
 
 def modified() -> None:
@@ -46,11 +35,9 @@ def collection() -> None:
 
 
 # Something that turns into a mesh, the camera that looks at it, and the size of the picture.
-VIEWS = {"cube": (lambda: add("cube", rotation=(0.4, 0.3, 0.2)), {}, (160, 120)),
-         "curve": (curve, {}, (90, 160)),
-         "text": (text, {"sensor_fit": "VERTICAL", "sensor_height": 18}, (160, 90)),
-         "modified": (modified, {"sensor_fit": "HORIZONTAL", "lens": 35}, (100, 140)),
-         "collection": (collection, {"angle": 0.9}, (160, 100))}
+VIEWS = {"modified": (modified, {"sensor_fit": "HORIZONTAL", "lens": 35}, (100, 140)),
+         "collection": (collection, {"angle": 0.9}, (100, 160)),
+         "monkey": (lambda: add("monkey"), {"sensor_fit": "VERTICAL", "sensor_height": 18}, (160, 90))}
 
 
 class Silhouettes(unittest.TestCase):
@@ -72,12 +59,10 @@ class Geometry(unittest.TestCase):
     def test_counts_and_shading(self) -> None:
         fresh()
         ball = add("uv_sphere", segments=16, ring_count=8)
-        self.assertEqual((written().count("\ntriangle {"), written().count("\npatch {")), (16 * 14, 0))
-        bpy.ops.object.shade_smooth()
-        self.assertEqual((written().count("\ntriangle {"), written().count("\npatch {")), (0, 16 * 14))
-        ball.data.use_auto_smooth = True
-        ball.data.auto_smooth_angle = 0.01  # each edge is sharp now
-        self.assertEqual((written().count("\ntriangle {"), written().count("\npatch {")), (16 * 14, 0))
+        for smooth, angle, counts in ((False, 1, (224, 0)), (True, 1, (0, 224)), (True, 0.01, (224, 0))):
+            ball.data.polygons.foreach_set("use_smooth", [smooth] * len(ball.data.polygons))
+            ball.data.use_auto_smooth, ball.data.auto_smooth_angle = True, angle
+            self.assertEqual((written().count("\ntriangle {"), written().count("\npatch {")), counts)
 
     def test_materials_of_single_faces(self) -> None:
         fresh()
@@ -105,17 +90,6 @@ class Geometry(unittest.TestCase):
         ball = statement("sphere", text)
         self.assertEqual((numbers("center", ball), number("radius", ball)), ([10, 0, 0], 20))
 
-    def test_a_million_triangles(self) -> None:
-        fresh()
-        add("grid", x_subdivisions=708, y_subdivisions=708)
-        bpy.ops.object.shade_smooth()
-        bpy.context.view_layer.update()
-        start = time.process_time()
-        bpy.ops.export_scene.varlo(filepath=str(FOLDER / "large.vlo"))
-        rate = 2 * 708 * 708 / (time.process_time() - start)
-        print(f"{rate:.0f} triangles a second")
-        self.assertGreater(rate, 200_000)
-
 
 class Eyes(unittest.TestCase):
     def test_lens_and_fisheye(self) -> None:
@@ -133,14 +107,12 @@ class Eyes(unittest.TestCase):
         self.assertAlmostEqual(number("fov", statement("camera")), math.degrees(2), 4)
 
     def test_what_varlo_has_not_is_refused(self) -> None:
-        for words, binary, message in (({"shift_x": 0.1}, "", "shift"), ({"type": "ORTHO"}, "", "orthographic"),
-                                       ({}, "/nowhere/varlo", "/nowhere/varlo")):
-            scene = fresh()
-            scene.varlo.binary = binary
-            for word, value in words.items():
-                setattr(scene.camera.data, word, value)
-            with self.assertRaisesRegex(RuntimeError, message):
+        scene = fresh()
+        for owner, word, value in (scene.camera.data, "type", "ORTHO"), (scene.varlo, "binary", "/nowhere/varlo"):
+            setattr(owner, word, value)
+            with self.assertRaisesRegex(RuntimeError, "orthographic|/nowhere"):
                 rendered()
+            scene.camera.data.type = "PERSP"
 
 
 class Lights(unittest.TestCase):
@@ -158,22 +130,14 @@ class Lights(unittest.TestCase):
     def test_kinds(self) -> None:
         for kind, words, expected in (
                 ("POINT", {"shadow_soft_size": 0.5}, {"radius": 5}),
-                ("SPOT", {"spot_size": 1.0, "spot_blend": 0.25},
-                 {"max_angle": math.degrees(1), "min_angle": 0.75 * math.degrees(1)}),
+                ("SPOT", {"spot_size": 1.0, "spot_blend": 0.25}, {"max_angle": 57.2958, "min_angle": 42.9718}),
                 ("AREA", {"size": 2}, {"radius": 10, "max_angle": 180}),
                 ("SUN", {"angle": 0}, {})):
-            with self.subTest(kind):
-                text = self.light(kind, 10, **words)
-                for word, value in expected.items():
-                    self.assertAlmostEqual(number(word, text), value, 4)
-                self.assertEqual("smooth" in text, kind != "SUN")
-                self.assertIn('attenuation_type "none"', text)
-
-    def test_the_brightest_gives_full_light_and_exposure_counts(self) -> None:
-        weak = numbers("color", self.light("POINT", 20))[0]
-        self.scene.varlo.exposure = 1
-        self.assertGreater(numbers("color", statement("light"))[0], 1.2 * weak)
-        self.assertAlmostEqual(numbers("color", self.light("POINT", 1e6))[0], 1, 6)
+            text = self.light(kind, 10, **words)
+            self.assertEqual({word: round(number(word, text), 4) for word in expected}, expected)
+            self.assertEqual("smooth" in text, kind != "SUN")
+        self.scene.varlo.exposure = 20
+        self.assertEqual(numbers("color", statement("light")), [1, 1, 1])  # the brightest gives full light
 
     def test_light_falls_where_it_does_in_blender(self) -> None:
         """A lamp of each kind to the left: the mean of each half of the picture is near that of Blender's own."""
@@ -191,17 +155,9 @@ class Lights(unittest.TestCase):
                 for half in (slice(0, 30), slice(30, 60)):
                     self.assertAlmostEqual(own[:, half].mean(), theirs[:, half].mean(), delta=0.2)
 
-    def test_world_and_mist(self) -> None:
-        self.scene.world.color = (0.5, 0.5, 0.5)
-        self.scene.world.mist_settings.use_mist = True
-        self.scene.world.mist_settings.start, self.scene.world.mist_settings.depth = 5, 25
-        text = statement("settings")
-        self.assertAlmostEqual(numbers("background", text)[0], 0.735, 2)
-        self.assertAlmostEqual((1 - number("haze_factor", text)) ** 300, 0.05, 6)
-
 
 class Materials(unittest.TestCase):
-    def surface(self, node: str, links: int = 1, **values: object) -> str:
+    def surface(self, node: str, **values: object) -> str:
         fresh()
         add("cube")
         material = bpy.data.materials.new("paint")
@@ -218,33 +174,22 @@ class Materials(unittest.TestCase):
     def test_shaders(self) -> None:
         grey = (0.2140, 0.2140, 0.2140, 1)  # half of what the screen can do
         for node, values, expected in (
-                ("BsdfDiffuse", {"Color": grey}, {"color": 0.5, "diffuse": 1, "specular": None, "reflection": None}),
                 ("BsdfPrincipled", {"Base_Color": grey, "Roughness": 0.5}, {"diffuse": 1, "roughness": 30}),
                 ("BsdfPrincipled", {"Metallic": 1.0, "Roughness": 0.0}, {"reflection": 0.7, "diffuse": 0.4}),
-                ("BsdfGlossy", {"Roughness": 0.3}, {"reflection": 0.7, "reflection_radius": 0}),
-                ("BsdfGlass", {"IOR": 1.33}, {"refraction": 1, "refraction_index": 1.33, "diffuse": None}),
+                ("BsdfGlass", {"IOR": 1.33}, {"refraction": 1, "refraction_index": 1.33}),
                 ("BsdfPrincipled", {"Transmission": 0.5, "IOR": 1.5}, {"refraction": 0.5, "diffuse": 0.5}),
                 ("BsdfPrincipled", {"Alpha": 0.25}, {"refraction": 0.75}),
-                ("Emission", {"Color": grey, "Strength": 1.0}, {"color": 0.5, "ambient": 1, "diffuse": None})):
-            with self.subTest(node, **values):
-                text = self.surface(node, **values)
-                for word, value in expected.items():
-                    if value is None:
-                        self.assertNotIn(f" {word} ", text)
-                    elif word == "color":
-                        self.assertAlmostEqual(numbers(word, text)[0], value, 3)
-                    elif value:
-                        self.assertAlmostEqual(number(word, text), value, 4)
-                    else:
-                        self.assertGreater(number(word, text), 0)
+                ("Emission", {"Color": grey, "Strength": 1.0}, {"color": 0.5, "ambient": 1})):
+            text = self.surface(node, **values)
+            self.assertEqual({word: round(number(word, text), 3) for word in expected}, expected, node)
+        self.assertNotIn("diffuse", text)
+        self.assertGreater(number("reflection_radius", self.surface("BsdfGlossy", Roughness=0.3)), 0)
 
     def test_a_picture_becomes_its_mean(self) -> None:
         self.surface("BsdfPrincipled")
         tree = bpy.data.materials["paint"].node_tree
         image = bpy.data.images.new("half", 4, 4)
-        pixels = numpy.ones((16, 4))
-        pixels[:8, :3] = 0
-        image.pixels = pixels.ravel()
+        image.pixels = [0, 0, 0, 1] * 8 + [1, 1, 1, 1] * 8
         node = tree.nodes.new("ShaderNodeTexImage")
         node.image = image
         tree.links.new(node.outputs[0], tree.nodes[-2].inputs["Base Color"])
@@ -290,17 +235,6 @@ class Engine(unittest.TestCase):
         time.sleep(0.3)
         self.assertFalse(running[0].exists())
         self.assertEqual(list(FOLDER.glob("varlo-*")), [])
-
-    def test_remarks_come_once(self) -> None:
-        fresh()
-        for _ in range(3):
-            bpy.ops.object.volume_add()
-        from render_varlo.export import export
-        from render_varlo.notes import Notes
-        notes = Notes()
-        export(bpy.context.evaluated_depsgraph_get(), (8, 8), notes)
-        self.assertEqual([line for line in notes.lines() if "volume" in line],
-                         ["varlo: volume objects are left out (Volume, Volume.001, Volume.002)"])
 
 
 if __name__ == "__main__":
