@@ -3,7 +3,6 @@
 #include "picture/writer.h"
 #include "support.h"
 
-#include <jpeglib.h>
 #include <png.h>
 #include <tiffio.h>
 
@@ -100,14 +99,8 @@ TEST_F(Picture, JpegHasItsQuality)
     for (const auto& [quality, firstStep] :
          {std::pair{0, 3}, {-5, 3}, {90, 3}, {89, 4}, {1, 255}, {100, 1}, {150, 1}}) {
         jpeg_quality = quality;
-        std::string bytes = picture(JPEG, ".jpg", 1, 2);
-        jpeg_decompress_struct reader;
-        jpeg_error_mgr errors;
-        reader.err = jpeg_std_error(&errors);
-        jpeg_create_decompress(&reader);
-        jpeg_mem_src(&reader, reinterpret_cast<unsigned char*>(bytes.data()), bytes.size());
-        jpeg_read_header(&reader, TRUE);
-        EXPECT_EQ(reader.quant_tbl_ptrs[0]->quantval[0], firstStep) << quality;
-        jpeg_destroy_decompress(&reader);
+        const std::string bytes = picture(JPEG, ".jpg", 1, 2);
+        const size_t table = bytes.find("\xFF\xDB"); // then two bytes of length and one of its number
+        EXPECT_EQ(static_cast<unsigned char>(bytes[table + 5]), firstStep) << quality;
     }
 }
