@@ -42,12 +42,12 @@ struct Points {
 
 /// A parameter of a block. Made by the functions below.
 struct BlockWord {
-    int code; // keyword of the parameter
+    int code;              // keyword of the parameter
+    bool required = false; // exactly once, tested by requireCounts
     std::variant<target::Value<double>, target::Value<int>, target::Value<Vec>, target::Value<Color>,
                  target::Value<char>, target::Choices, target::Pair, target::Points>
         target;
     const char* fault = nullptr; // message of a refused value
-    bool required = false;       // exactly once, tested by requireCounts
     int count = 0;               // how often the word stood
     int otherCode = code;        // a second keyword of the same parameter, with one count for both
 };

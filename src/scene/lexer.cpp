@@ -35,8 +35,8 @@ static constexpr auto classes = [] {
 // The codes of the characters that are tokens, here in the order of their codes; 0 for all others.
 static constexpr auto marks = [] {
     std::array<unsigned char, 256> codes{};
-    for (unsigned char code = TOKEN_OPEN; const unsigned char c : std::string_view("{}<>#\""))
-        codes[c] = code++;
+    for (unsigned char code = TOKEN_OPEN; const char c : std::string_view("{}<>#\""))
+        codes[static_cast<unsigned char>(c)] = code++;
     return codes;
 }();
 
