@@ -105,6 +105,8 @@ bool finishOutput()
 
 void putInOrder(size_t count, const std::function<void(size_t)>& putPart)
 {
+    if (count == 1) // as most materials have
+        return putPart(0);
     flush();
     forBlocks(count, [&](size_t part) {
         ownPart = part;
