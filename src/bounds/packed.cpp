@@ -12,6 +12,9 @@ constinit PackedMember packedRoot = 0;
 constinit const Folded* packedFolded = nullptr;
 constinit bool packedEncloses = true;
 
+// The first members of a node that are fetched ahead; nodes of more are rare.
+static constexpr int FETCHED = 4;
+
 static constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 /// A bound as a float, kept within what the walk can calculate with. Its slack is far above the rounding
@@ -121,13 +124,21 @@ static PackedMember pack(const Object* node, Packing* packing)
         for (float& plane : packed->planes[row])
             plane = row < 3 ? INFINITE : -INFINITE;
     const Members members = gatherMembers(node);
-    // The records lie anywhere in memory: ask for those of all lanes before going down the first.
-    for (int lane = 0; lane < members.count; ++lane)
-        if (members.list[lane].object->type == BOUNDING_NODE) {
-            const Object* first = childrenOf(members.list[lane].object).first;
-            __builtin_prefetch(first);
-            __builtin_prefetch(&first->type);
-        }
+    // The records lie anywhere in memory: ask for the members of all lanes before going down the first, in
+    // steps along their lists, so that one is under way while the next is asked for.
+    const Object* ahead[LANES];
+    for (int lane = 0; lane < members.count; ++lane) {
+        const Object* member = members.list[lane].object;
+        ahead[lane] = member->type == BOUNDING_NODE ? childrenOf(member).first : nullptr;
+    }
+    for (int step = 0; step < FETCHED; ++step)
+        for (int lane = 0; lane < members.count; ++lane)
+            if (const Object* record = ahead[lane]; record != nullptr) {
+                if (step > 0)
+                    record = ahead[lane] = record->next;
+                __builtin_prefetch(record);
+                __builtin_prefetch(&record->type);
+            }
     for (int lane = 0; lane < members.count; ++lane) {
         const auto [member, nearest] = members.list[lane];
         packBounds(member, packed, lane, packing);
