@@ -44,6 +44,8 @@ TEST_F(ModelTest, WhatAFileAddsUpTo)
         {"end behind parent", file(object(shorts({0xB000, 7, 0})) + last), lone, 0, "byte 44 (chunk length)"},
         {"no room for a header", file(object("12345") + last), lone, 0, "byte 44 (chunk header)"},
         {"name without end", file(chunk(0x4000, "thing") + last), lone, 0, "byte 43 (chunk too short)"},
+        {"name of a material without end", file(object(mesh(chunk(0x4130, "thing"))) + last), "1 3 1 0 0 0",
+         0, "(chunk too short)"},
         {"vertices", file(object(chunk(0x4110, shorts({2}) + point)) + last), lone, 0, "(vertex count)"},
         {"faces", file(object(chunk(0x4120, shorts({2, 0, 1, 2, 7}))) + last), lone, 0, "(face count)"},
         {"colour of two bytes", file(material("m", "ab") + last), "0 0 0 1 0 0", 0, "short"},

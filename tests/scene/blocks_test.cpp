@@ -25,7 +25,7 @@ cylinder { radius 1 base <1 2 3> cap <1 2 3> }| base and cap cannot be the same 
 cone { radius| Unkown parameter in cone structure
 cone { base_radius 0 cap_radius 0 cap <0 0 1> }| Error in cone structure
 cone { base_radius 0 cap_radius 0 cap <0 0 1> base <0 0 1> }| base radius and cap radius cannot be both null
-cone { base_radius -1 cap_radius -1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
+cone { base_radius -1 cap_radius 1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
 cone { base_radius 1 cap_radius -1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
 cone { base_radius 0 cap_radius 1 cap <0 0 1> base <0 0 1> }| base and cap cannot be the same point
 disc { internal_radius| Unkown parameter in disc structure

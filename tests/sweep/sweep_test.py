@@ -81,7 +81,7 @@ class Run:
             told_by = told.fileno()
             preload = {"LD_PRELOAD": PRELOAD, "VARLO_FAIL": failure, "VARLO_FAIL_TOLD": str(told_by)}
             done = subprocess.run([VARLO, *command, "-o", output, "-" + image], capture_output=True, timeout=60,
-                                  check=False, env=preload, pass_fds=[told_by])
+                                  check=False, env=os.environ | preload, pass_fds=[told_by])
             self.failed = os.fstat(told_by).st_size > 0
         self.status = done.returncode
         self.errors = done.stderr.decode("latin-1")
