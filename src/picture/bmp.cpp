@@ -31,6 +31,9 @@ static void writeBMPHeader(int width, int height)
     writeFields(fields);
 }
 
+constexpr auto openBMP = openWithHeader<writeBMPHeader>;
+constexpr auto writeBMPLine = copyTurnedRow;
+
 static void closeBMP()
 {
     static constexpr unsigned char padding[3] = {};
@@ -41,4 +44,4 @@ static void closeBMP()
     closeFile();
 }
 
-constexpr Writer writerBMP = {".bmp", openWithHeader<writeBMPHeader>, copyTurnedRow, closeBMP};
+constexpr Writer writerBMP = {".bmp", openBMP, writeBMPLine, closeBMP};

@@ -19,13 +19,15 @@ static int openJPG(const char* name, int width, int height)
     return createFile(name) ? newPicture(width, height) : -1;
 }
 
+constexpr auto writeJPGLine = copyRow;
+
 static void closeJPG()
 {
     jpeg_compress_struct cinfo;
     jpeg_error_mgr errors; // the default one: an error is printed and ends the run with status 1
     cinfo.err = jpeg_std_error(&errors);
     jpeg_create_compress(&cinfo);
-    jpeg_stdio_dest(&cinfo, pictureFile);
+    jpeg_stdio_dest(&cinfo, outfile);
 
     cinfo.image_width = static_cast<JDIMENSION>(myDisplay.width);
     cinfo.image_height = static_cast<JDIMENSION>(myDisplay.height);
@@ -45,4 +47,4 @@ static void closeJPG()
     jpeg_destroy_compress(&cinfo);
 }
 
-constexpr Writer writerJPG = {".jpg", openJPG, copyRow, closeJPG};
+constexpr Writer writerJPG = {".jpg", openJPG, writeJPGLine, closeJPG};

@@ -29,10 +29,12 @@ static int openPNG(const char* name, int width, int height)
         return -1;
     if (setjmp(png_jmpbuf(png_ptr)) != 0)
         return -1;
-    png_init_io(png_ptr, pictureFile);
+    png_init_io(png_ptr, outfile);
     writePNGHeader(width, height);
     return newPicture(width, height);
 }
+
+constexpr auto writePNGLine = copyRow;
 
 static void writePNGPixels()
 {
@@ -52,4 +54,4 @@ static void closePNG()
     closeFile();
 }
 
-constexpr Writer writerPNG = {".png", openPNG, copyRow, closePNG};
+constexpr Writer writerPNG = {".png", openPNG, writePNGLine, closePNG};

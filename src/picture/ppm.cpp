@@ -7,4 +7,8 @@ static void writePPMHeader(int width, int height)
     writeBytes(header, static_cast<std::size_t>(length));
 }
 
-constexpr Writer writerPPM = {".ppm", openWithHeader<writePPMHeader>, copyRow, closeWithPicture};
+constexpr auto openPPM = openWithHeader<writePPMHeader>;
+constexpr auto writePPMLine = copyRow;
+constexpr auto closePPM = closeWithPicture;
+
+constexpr Writer writerPPM = {".ppm", openPPM, writePPMLine, closePPM};

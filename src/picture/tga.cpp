@@ -15,4 +15,8 @@ static void writeTGAHeader(int width, int height)
     writeFields(fields);
 }
 
-constexpr Writer writerTGA = {".tga", openWithHeader<writeTGAHeader>, copyTurnedRow, closeWithPicture};
+constexpr auto openTGA = openWithHeader<writeTGAHeader>;
+constexpr auto writeTGALine = copyTurnedRow;
+constexpr auto closeTGA = closeWithPicture;
+
+constexpr Writer writerTGA = {".tga", openTGA, writeTGALine, closeTGA};

@@ -41,15 +41,17 @@ static int openTIFF(const char* name, int width, int height)
         return -1;
     }
     // For reading too: a pipe nobody reads from opens at once then, and is found to be one.
-    if (!createFile(name, "w+b") || lseek(fileno(pictureFile), 0, SEEK_CUR) < 0)
+    if (!createFile(name, "w+b") || lseek(fileno(outfile), 0, SEEK_CUR) < 0)
         return -1;
     // The sink tells why a file cannot be begun, in the same words for all formats.
     const TIFFErrorHandler handler = TIFFSetErrorHandler(nullptr);
-    fp = TIFFFdOpen(fileno(pictureFile), name, "w");
+    fp = TIFFFdOpen(fileno(outfile), name, "w");
     const bool isReady = fp != nullptr && writeTIFFHeader(width, height) == 0;
     TIFFSetErrorHandler(handler);
     return isReady ? newPicture(width, height) : -1;
 }
+
+constexpr auto writeTIFFLine = copyRow;
 
 static void closeTIFF()
 {
@@ -70,4 +72,4 @@ static void closeTIFF()
     closeFile();
 }
 
-constexpr Writer writerTIFF = {".tif", openTIFF, copyRow, closeTIFF};
+constexpr Writer writerTIFF = {".tif", openTIFF, writeTIFFLine, closeTIFF};

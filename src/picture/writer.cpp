@@ -36,13 +36,13 @@ void copyTurnedRow(const unsigned char* line, int y)
 bool createFile(const char* name, const char* mode)
 {
     snprintf(fileName, sizeof fileName, "%s", name);
-    pictureFile = fopen(name, mode);
-    return pictureFile != nullptr;
+    outfile = fopen(name, mode);
+    return outfile != nullptr;
 }
 
 void writeBytes(const void* bytes, std::size_t count)
 {
-    if (fwrite(bytes, 1, count, pictureFile) != count)
+    if (fwrite(bytes, 1, count, outfile) != count)
         endForFile(fileName, errno, EXIT_FAILURE);
 }
 
@@ -58,7 +58,7 @@ void writeFields(std::span<const Field> fields)
 
 void closeFile()
 {
-    if (fclose(pictureFile) != 0)
+    if (fclose(outfile) != 0)
         endForFile(fileName, errno, EXIT_FAILURE);
 }
 

@@ -42,7 +42,7 @@ constexpr std::size_t rowSize(int width)
 
 // Between open and close: the file, and the bytes of the picture, red, green, blue unless the row operation
 // turned them.
-inline constinit FILE* pictureFile = nullptr;
+inline constinit FILE* outfile = nullptr;
 inline constinit unsigned char* image = nullptr;
 
 /// Makes `image`, black, at the end of an `open`, and returns what that has to.

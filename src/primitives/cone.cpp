@@ -21,7 +21,9 @@ static void conePrint(const Object* self)
 }
 
 // not entered, from either side
-constinit const Operations coneOperations = {evenIntersect<Cone, coneReach, 0>, coneNormal, conePrint};
+constexpr auto coneIntersect = evenIntersect<Cone, coneReach, 0>;
+
+constinit const Operations coneOperations = {coneIntersect, coneNormal, conePrint};
 
 /// Fills the right-angled frame around the axis.
 static void makeFrame(Cone* cone)

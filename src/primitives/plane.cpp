@@ -8,8 +8,10 @@ static void planePrint(const Object* self)
     printf("Plane: Nx = %g, Ny = %g, Nz = %g, D = %g\n", p.normal.x, p.normal.y, p.normal.z, p.offset);
 }
 
-constinit const Operations planeOperations = {evenIntersect<Plane, planeReach>, flatNormal<Plane>,
-                                              planePrint};
+constexpr auto planeIntersect = evenIntersect<Plane, planeReach>;
+constexpr auto planeNormal = flatNormal<Plane>;
+
+constinit const Operations planeOperations = {planeIntersect, planeNormal, planePrint};
 
 Object* makePlane(Vec normal, double distance)
 {

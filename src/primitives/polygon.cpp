@@ -8,8 +8,10 @@ static void polygonPrint(const Object*)
     printf("polygon\n");
 }
 
-constinit const Operations polygonOperations = {evenIntersect<Polygon, polygonReach>, flatNormal<Polygon>,
-                                                polygonPrint};
+constexpr auto polygonIntersect = evenIntersect<Polygon, polygonReach>;
+constexpr auto polygonNormal = flatNormal<Polygon>;
+
+constinit const Operations polygonOperations = {polygonIntersect, polygonNormal, polygonPrint};
 
 Object* makePolygon(const Vec* vertices, int count)
 {

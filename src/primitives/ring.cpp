@@ -9,7 +9,10 @@ static void ringPrint(const Object* self)
            r.normal.z, r.center.x, r.center.y, r.center.z);
 }
 
-constinit const Operations ringOperations = {evenIntersect<Ring, ringReach>, flatNormal<Ring>, ringPrint};
+constexpr auto ringIntersect = evenIntersect<Ring, ringReach>;
+constexpr auto ringNormal = flatNormal<Ring>;
+
+constinit const Operations ringOperations = {ringIntersect, ringNormal, ringPrint};
 
 Object* makeRing(Vec center, Vec normal, double innerRadius, double outerRadius)
 {

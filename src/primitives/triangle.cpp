@@ -7,8 +7,10 @@ static void trianglePrint(const Object*)
     printf("triangle\n");
 }
 
-constinit const Operations triangleOperations = {evenIntersect<Triangle, triangleReach>, flatNormal<Triangle>,
-                                                 trianglePrint};
+constexpr auto triangleIntersect = evenIntersect<Triangle, triangleReach>;
+constexpr auto triangleNormal = flatNormal<Triangle>;
+
+constinit const Operations triangleOperations = {triangleIntersect, triangleNormal, trianglePrint};
 
 Object* makeTriangle(const Vec* vertices)
 {

@@ -15,5 +15,9 @@ struct ColorEntry {
 
 inline constinit ColorEntry* myColorList = nullptr; // the latest declaration first; null outside parseFile
 
+// The list is kept as those of the objects are.
+inline constexpr auto addColorToList = addToList<ColorEntry>;
+inline constexpr auto freeColorList = freeList<ColorEntry>;
+
 /// The latest declaration of a name, or null.
 const ColorEntry* findColor(const ColorEntry* head, const char* name);

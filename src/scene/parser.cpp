@@ -35,7 +35,7 @@ static constexpr struct {
 void resetScene()
 {
     setStartValues();
-    freeList(&myColorList);
+    freeColorList(&myColorList);
     surface = {};
     resetLexer();
 }
@@ -58,7 +58,7 @@ static void yy_declare(FILE* stream)
         Lire_Decimal(stream);
         *component = val_DBL;
     }
-    addToList(&myColorList, entry);
+    addColorToList(&myColorList, entry);
 }
 
 struct Statement {
@@ -153,6 +153,6 @@ int parseFile(const char* fileName)
 
     for (const auto& each : counts)
         printf(each.text, *each.count);
-    freeList(&myColorList);
+    freeColorList(&myColorList);
     return 0;
 }
