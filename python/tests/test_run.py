@@ -50,14 +50,17 @@ class Running(InFolder):
         program = ("import sys; from pathlib import Path; from varlo.run import run\n"
                    "run(['-i', 'a.vlo', '-r', '4000', '3000', '-aaa', '-1'], cwd=Path(sys.argv[1]),"
                    " progress=lambda share: print(share, flush=True))")
-        for number, status in ((signal.SIGTERM, 143), (signal.SIGINT, -signal.SIGINT)):
+        for number, status in ((signal.SIGTERM, 143), (signal.SIGINT, -signal.SIGINT), (signal.SIGPIPE, 141)):
             with self.subTest(signal=number), subprocess.Popen(
                     [sys.executable, "-c", program, str(self.folder)], stdout=subprocess.PIPE,
                     stderr=subprocess.DEVNULL) as child:
                 assert child.stdout is not None
                 child.stdout.readline()
                 picture = self.folder / "picture.ppm"
-                child.send_signal(number)
+                if number == signal.SIGPIPE:
+                    child.stdout.close()
+                else:
+                    child.send_signal(number)
                 self.assertEqual(child.wait(10), status)
                 self.assertEqual(processes_with(picture), [])
 

@@ -6,6 +6,7 @@ import select
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import threading
 import time
@@ -186,7 +187,10 @@ def scratch_folder(parent: Path | None = None, prefix: str = "varlo-") -> Iterat
 
 @contextmanager
 def ended_by_signals() -> Iterator[None]:
-    """SIGTERM and SIGHUP, which would end Python on the spot, leave the block by an exception in place of that."""
+    """SIGTERM and SIGHUP, which would end Python on the spot, leave the block by an exception in place of that.
+
+    So does a reader of the output that has seen enough, whose absence Python would make a fault.
+    """
     def leave(number: int, _: FrameType | None) -> None:
         raise SystemExit(128 + number)
 
@@ -197,6 +201,9 @@ def ended_by_signals() -> Iterator[None]:
         signal.signal(number, leave)
     try:
         yield
+    except BrokenPipeError:
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())  # what is left goes nowhere
+        raise SystemExit(128 + signal.SIGPIPE) from None
     finally:
         for number in numbers:
             signal.signal(number, signal.SIG_DFL)
