@@ -111,7 +111,7 @@ TEST_F(BlocksTest, ObjectsKeepWhatTheirBlocksSay)
         cone { base_radius 0 cap_radius 2 base <0 0 0> cap <0 4 0> }
         surface { refraction_index 0.5 color 1 1 0 }
         patch { normal <0 0 1> normal <0 3 4> vertex <0 0 0> normal <3 0 4> vertex <1 0 0> vertex <0 1 0> })");
-    EXPECT_EQ(printed([] { printList(myObjectList); }),
+    EXPECT_EQ(printed([] { EXPECT_EQ(printList(myObjectList), 7); }),
               "patch\nCone: 0 0 0 0 0 4 0 2\nCone: 0 0 1 1 0 0 3 1\n"
               "Ring: Nx = 1, Ny = 0, Nz = 0\n Cx = 4, Cy = 5, Cz = 6\n"
               "Ring: Nx = 0, Ny = 1, Nz = 0\n Cx = 1, Cy = 1, Cz = 1\n"
