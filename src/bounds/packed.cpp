@@ -136,6 +136,8 @@ static PackedMember pack(const Object* node, Packing* packing)
             if (const Object* record = ahead[lane]; record != nullptr) {
                 if (step > 0)
                     record = ahead[lane] = record->next;
+                if (record == nullptr)
+                    continue;
                 __builtin_prefetch(record);
                 __builtin_prefetch(&record->type);
             }
