@@ -46,6 +46,14 @@ TEST_F(ArgsTest, ValuesAndTheirLimits)
     }
 }
 
+TEST_F(ArgsTest, UsageIsTheFixedText)
+{
+    unsigned sum = 0;
+    for (const unsigned char c : printed(showUsage))
+        sum = 31 * sum + c;
+    EXPECT_EQ(sum, 2427749271u) << printed(showUsage);
+}
+
 TEST_F(ArgsTest, BadCommandLinesPrintTheUsage)
 {
     for (const char* words : {"", "s", "-i", "-i s -?", "-i s /?", "-i s -", "-i s -PPM", "-i s -w5",
