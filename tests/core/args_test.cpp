@@ -49,8 +49,8 @@ TEST_F(ArgsTest, ValuesAndTheirLimits)
 TEST_F(ArgsTest, UsageIsTheFixedText)
 {
     unsigned sum = 0;
-    for (const unsigned char c : printed(showUsage))
-        sum = 31 * sum + c;
+    for (const char c : printed(showUsage))
+        sum = 31 * sum + static_cast<unsigned char>(c);
     EXPECT_EQ(sum, 2427749271u) << printed(showUsage);
 }
 
