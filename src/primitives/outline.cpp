@@ -18,10 +18,8 @@ void chooseAxes(Vec normal, int* axisU, int* axisV)
 
 void projectOutline(const Vec* vertices, int count, int axisU, int axisV, double* u, double* v)
 {
-    for (int i = 0; i < count; ++i) {
-        u[i] = coordinate(vertices[i], axisU);
-        v[i] = coordinate(vertices[i], axisV);
+    for (int i = 0; i <= edgesOf(count); ++i) {
+        u[i] = coordinate(vertices[i < count ? i : 0], axisU);
+        v[i] = coordinate(vertices[i < count ? i : 0], axisV);
     }
-    u[count] = u[0];
-    v[count] = v[0];
 }

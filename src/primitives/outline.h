@@ -2,7 +2,7 @@
 
 #include "core/data.h"
 
-#include <bit>
+#include <cstring>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -17,8 +17,15 @@ Vec faceNormal(const Vec* vertices);
 /// Chooses the two coordinates to keep. A tie drops x before y and y before z.
 void chooseAxes(Vec normal, int* axisU, int* axisV);
 
-/// Fills `u` and `v`, `count` + 1 of each, with the kept coordinates; the first vertex comes again at the
-/// end.
+/// How many edges an outline of `count` corners has in memory: the last group of four is filled up with edges
+/// from the first vertex to itself, which nothing crosses.
+constexpr int edgesOf(int count)
+{
+    return (count + 3) / 4 * 4;
+}
+
+/// Fills `u` and `v`, edgesOf(`count`) + 1 of each, with the kept coordinates of the vertices, and of the
+/// first one again up to the end.
 void projectOutline(const Vec* vertices, int count, int axisU, int axisV, double* u, double* v);
 
 /// The distance at which `ray` meets the plane normal . p + offset = 0, from either side. EPSILON itself is
@@ -32,62 +39,71 @@ static inline bool faceReach(Vec normal, double offset, const Ray& ray, double* 
     return *t >= EPSILON;
 }
 
-/// Which of the four edges from vertex `v[0]` to `v[4]` cross the height `py`, a bit each. A vertex at
-/// exactly this height counts as above, so that two edges that meet there cross once, or twice, or not at
-/// all, as they should. An edge that lies level never crosses, and nothing crosses a height that is not a
-/// number.
-static inline int crossingEdges(const double* v, double py)
+// Edges are tested four at a time, in vectors of two that every machine has.
+constexpr int EDGES_IN_GROUP = 4;
+using EdgePair = double __attribute__((vector_size(16)));
+using EdgeMask = long long __attribute__((vector_size(16)));
+
+static inline EdgePair loadPair(const double* from)
+{
+    EdgePair pair;
+    memcpy(&pair, from, sizeof pair);
+    return pair;
+}
+
+/// A bit for each lane of the mask that is set.
+static inline int lanesOf(EdgeMask mask)
 {
 #if defined(__SSE2__)
-    const __m128d height = _mm_set1_pd(py);
-    const auto pair = [&](const double* from) {
-        return _mm_movemask_pd(_mm_xor_pd(_mm_cmplt_pd(_mm_loadu_pd(from), height),
-                                          _mm_cmplt_pd(_mm_loadu_pd(from + 1), height)));
-    };
-    return pair(v) | pair(v + 2) << 2;
+    return _mm_movemask_pd(reinterpret_cast<__m128d>(mask));
 #else
-    int edges = 0;
-    for (int i = 0; i < 4; ++i)
-        edges |= static_cast<int>((py > v[i]) != (py > v[i + 1])) << i;
-    return edges;
+    return static_cast<int>((mask[0] & 1) | (mask[1] & 2));
 #endif
 }
 
-/// Whether an edge that crosses the height `py` does so to the left of `px`.
-static inline bool crossesLeft(const double* u, const double* v, double px, double py)
+/// Whether a level line from `px`, `py` to the left crosses an odd number of the four edges between the five
+/// vertices from `u`, `v` on. A vertex at exactly this height counts as above, so that two edges that meet
+/// there cross once, or twice, or not at all, as they should. An edge that lies level never crosses, and
+/// nothing crosses a height that is not a number.
+static inline bool crossesOddly(const double* u, const double* v, double px, double py)
 {
-    const double x0 = u[0], x1 = u[1];
-    const bool right0 = px > x0, right1 = px > x1;
-    if (right0 == right1)
-        return right0;
-    const double y0 = v[0], y1 = v[1];
-    const double m = (y1 - y0) / (x1 - x0);
-    const double q = -((y1 - py) - (x1 - px) * m) / m; // the crossing, seen from the point
-    return q < EPSILON;
+    const EdgePair x = {px, px}, y = {py, py};
+    const EdgePair y0[2] = {loadPair(v), loadPair(v + 2)}, y1[2] = {loadPair(v + 1), loadPair(v + 3)};
+    const EdgeMask crossing[2] = {(y0[0] < y) ^ (y1[0] < y), (y0[1] < y) ^ (y1[1] < y)};
+    if (lanesOf(crossing[0] | crossing[1]) == 0)
+        return false;
+    const EdgePair x0[2] = {loadPair(u), loadPair(u + 2)}, x1[2] = {loadPair(u + 1), loadPair(u + 3)};
+    EdgeMask left{}, sloping[2];
+    for (int i = 0; i < 2; ++i) {
+        left ^= crossing[i] & (x0[i] < x) & (x1[i] < x);
+        sloping[i] = crossing[i] & ((x0[i] < x) ^ (x1[i] < x));
+    }
+    // Only an edge with an end on either side of the point has to be divided.
+    if (lanesOf(sloping[0] | sloping[1]) != 0)
+        for (int i = 0; i < 2; ++i) {
+            const EdgePair m = (y1[i] - y0[i]) / (x1[i] - x0[i]);
+            const EdgePair q = -((y1[i] - y) - (x1[i] - x) * m) / m; // the crossing, seen from the point
+            left ^= sloping[i] & (q < EdgePair{EPSILON, EPSILON});
+        }
+    const int lanes = lanesOf(left);
+    return lanes == 1 || lanes == 2;
 }
 
-/// Whether the point `px`, `py` lies inside an outline of `count` edges, by the even-odd rule. The inside
-/// ends EPSILON short of a sloping edge on its right. False for a point of non-numbers.
-static inline bool outlineHolds(const double* u, const double* v, int count, double px, double py)
+/// Whether the point `px`, `py` lies inside an outline of `edges` edges, a multiple of four, by the even-odd
+/// rule. The inside ends EPSILON short of a sloping edge on its right. False for a point of non-numbers.
+static inline bool outlineHolds(const double* u, const double* v, int edges, double px, double py)
 {
     bool odd = false;
-    int i = 0;
-    for (; i + 4 <= count; i += 4)
-        for (int edges = crossingEdges(v + i, py); edges != 0; edges &= edges - 1) {
-            const int edge = i + std::countr_zero(static_cast<unsigned>(edges));
-            odd ^= crossesLeft(u + edge, v + edge, px, py);
-        }
-    for (; i < count; ++i)
-        if ((py > v[i]) != (py > v[i + 1]))
-            odd ^= crossesLeft(u + i, v + i, px, py);
+    for (int i = 0; i < edges; i += EDGES_IN_GROUP)
+        odd ^= crossesOddly(u + i, v + i, px, py);
     return odd;
 }
 
-/// Whether `ray` at parameter `t` lies inside the outline.
-static inline bool outlineHolds(const double* u, const double* v, int count, int axisU, int axisV,
-                                const Ray& ray, double t)
+/// The point of `ray` at parameter `t` along a kept coordinate. It is read by its place: jumps that depend on
+/// how a face lies are anybody's guess.
+static inline double keptCoordinate(const Ray& ray, double t, int axis)
 {
-    const double px = coordinate(ray.origin, axisU) + t * coordinate(ray.direction, axisU);
-    const double py = coordinate(ray.origin, axisV) + t * coordinate(ray.direction, axisV);
-    return outlineHolds(u, v, count, px, py);
+    static_assert(sizeof(Vec) == 3 * sizeof(double));
+    return reinterpret_cast<const double*>(&ray.origin)[axis] +
+           t * reinterpret_cast<const double*>(&ray.direction)[axis];
 }

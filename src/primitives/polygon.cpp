@@ -15,16 +15,14 @@ constinit const Operations polygonOperations = {polygonIntersect, polygonNormal,
 
 Object* makePolygon(const Vec* vertices, int count)
 {
-    auto* polygon = newPrimitive<Polygon>(POLYGON);
-    const size_t points = static_cast<size_t>(count) + 1;
-    auto* u = static_cast<double*>(calloc(2 * points, sizeof(double)));
-    if (polygon == nullptr || u == nullptr) {
-        free(polygon);
-        free(u);
+    const int edges = edgesOf(count);
+    const size_t points = static_cast<size_t>(edges) + 1;
+    auto* polygon = newPrimitive<Polygon>(POLYGON, 2 * points * sizeof(double));
+    if (polygon == nullptr)
         return nullptr;
-    }
+    auto* u = reinterpret_cast<double*>(polygon + 1);
     double* v = u + points;
-    polygon->vertexCount = count;
+    polygon->edges = edges;
     polygon->normal = faceNormal(vertices);
     polygon->offset = -dot(polygon->normal, vertices[0]);
     chooseAxes(polygon->normal, &polygon->axisU, &polygon->axisV);

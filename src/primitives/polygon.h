@@ -6,10 +6,10 @@
 struct Polygon {
     Object head;
     Vec normal; // of the plane through the first three vertices
-    int vertexCount;
+    int edges;
     double offset;
     int axisU, axisV;
-    const double* u; // vertexCount + 1, as in a triangle; one heap block with v behind it, never freed
+    const double* u; // edges + 1, as in a triangle; they stand behind the record
     const double* v;
 };
 
@@ -24,5 +24,6 @@ Object* makePolygon(const Vec* vertices, int count);
 static inline bool polygonReach(const Polygon& polygon, const Ray& ray, double* t)
 {
     return faceReach(polygon.normal, polygon.offset, ray, t) &&
-           outlineHolds(polygon.u, polygon.v, polygon.vertexCount, polygon.axisU, polygon.axisV, ray, *t);
+           outlineHolds(polygon.u, polygon.v, polygon.edges, keptCoordinate(ray, *t, polygon.axisU),
+                        keptCoordinate(ray, *t, polygon.axisV));
 }

@@ -15,11 +15,11 @@ struct Operations {
     void (*print)(const Object* self);
 };
 
-/// A zeroed record with its type set, or null without memory.
+/// A zeroed record with its type set and with `more` bytes behind it, or null without memory.
 template <class Record>
-static inline Record* newPrimitive(ObjectType type)
+static inline Record* newPrimitive(ObjectType type, size_t more = 0)
 {
-    auto* self = static_cast<Record*>(calloc(1, sizeof(Record)));
+    auto* self = static_cast<Record*>(calloc(1, sizeof(Record) + more));
     if (self != nullptr)
         self->head.type = type;
     return self;

@@ -9,7 +9,7 @@ struct Triangle {
     Vec normal;
     double offset;
     int axisU, axisV;
-    double u[4], v[4]; // the two kept coordinates of each vertex, the first vertex again at the end
+    double u[5], v[5]; // the two kept coordinates of each vertex, then those of the first again
 };
 
 extern const Operations triangleOperations;
@@ -22,5 +22,6 @@ Object* makeTriangle(const Vec* vertices);
 static inline bool triangleReach(const Triangle& triangle, const Ray& ray, double* t)
 {
     return faceReach(triangle.normal, triangle.offset, ray, t) &&
-           outlineHolds(triangle.u, triangle.v, 3, triangle.axisU, triangle.axisV, ray, *t);
+           crossesOddly(triangle.u, triangle.v, keptCoordinate(ray, *t, triangle.axisU),
+                        keptCoordinate(ray, *t, triangle.axisV));
 }
