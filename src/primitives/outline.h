@@ -99,6 +99,39 @@ static inline bool outlineHolds(const double* u, const double* v, int edges, dou
     return odd;
 }
 
+/// The edges of a large outline by height: for each of `count` equal bins the groups of four that touch it,
+/// so that a point asks a few of them. A height goes to its bin by a formula that keeps the order, for points
+/// as for ends of edges, so that rounding loses no crossing.
+struct OutlineBins {
+    double low, high; // the extent of the outline
+    double perUnit;   // bins to a unit of height
+    int count;
+    const int* starts; // count + 1, of the lists behind them, which hold the first edge of each group
+};
+
+/// Makes the bins of an outline; null for one that is better off without, and without memory.
+const OutlineBins* makeOutlineBins(const double* v, int edges);
+
+/// The bin of a height of the outline.
+static inline int binOf(const OutlineBins& bins, double height)
+{
+    const int bin = static_cast<int>((height - bins.low) * bins.perUnit);
+    return bin < bins.count ? bin : bins.count - 1;
+}
+
+/// The same as above, by way of bins.
+static inline bool outlineHolds(const double* u, const double* v, const OutlineBins& bins, double px,
+                                double py)
+{
+    if (!(py > bins.low && py <= bins.high))
+        return false; // nothing crosses this height
+    bool odd = false;
+    const int* start = bins.starts + binOf(bins, py);
+    for (int i = start[0]; i < start[1]; ++i)
+        odd ^= crossesOddly(u + bins.starts[i], v + bins.starts[i], px, py);
+    return odd;
+}
+
 /// The point of `ray` at parameter `t` along a kept coordinate. It is read by its place: jumps that depend on
 /// how a face lies are anybody's guess.
 static inline double keptCoordinate(const Ray& ray, double t, int axis)

@@ -29,6 +29,7 @@ Object* makePolygon(const Vec* vertices, int count)
     projectOutline(vertices, count, polygon->axisU, polygon->axisV, u, v);
     polygon->u = u;
     polygon->v = v;
+    polygon->bins = makeOutlineBins(v, edges);
     boundPoints(&polygon->head, vertices, count, 0.0); // unlike a triangle it stays flat
     return listPrimitive(&polygon->head);
 }

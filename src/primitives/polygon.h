@@ -11,6 +11,7 @@ struct Polygon {
     int axisU, axisV;
     const double* u; // edges + 1, as in a triangle; they stand behind the record
     const double* v;
+    const OutlineBins* bins; // null for a small outline; never freed
 };
 
 extern const Operations polygonOperations;
@@ -23,7 +24,10 @@ Object* makePolygon(const Vec* vertices, int count);
 /// The distance at which `ray` meets the polygon, in `*t`. False on a miss, and for non-numbers.
 static inline bool polygonReach(const Polygon& polygon, const Ray& ray, double* t)
 {
-    return faceReach(polygon.normal, polygon.offset, ray, t) &&
-           outlineHolds(polygon.u, polygon.v, polygon.edges, keptCoordinate(ray, *t, polygon.axisU),
-                        keptCoordinate(ray, *t, polygon.axisV));
+    if (!faceReach(polygon.normal, polygon.offset, ray, t))
+        return false;
+    const double px = keptCoordinate(ray, *t, polygon.axisU);
+    const double py = keptCoordinate(ray, *t, polygon.axisV);
+    return polygon.bins != nullptr ? outlineHolds(polygon.u, polygon.v, *polygon.bins, px, py)
+                                   : outlineHolds(polygon.u, polygon.v, polygon.edges, px, py);
 }
