@@ -59,12 +59,10 @@ static inline bool coneReach(const Cone& cone, const Ray& ray, double* t)
     if (!(disc >= 0.0))
         return false;
     const double s = std::sqrt(disc);
-    const double t1 = (-b - s) / (2 * a);
-    const double t2 = (s - b) / (2 * a);
-    const bool ordered = t1 <= t2; // a can be negative on a cone
-    *t = ordered ? t1 : t2;
+    // The nearer point first; a can be negative on a cone.
+    *t = (a > 0.0 ? -b - s : s - b) / (2 * a);
     if (coneHolds(cone, ray, *t))
         return true;
-    *t = ordered ? t2 : t1;
+    *t = (a > 0.0 ? s - b : -b - s) / (2 * a);
     return coneHolds(cone, ray, *t);
 }
