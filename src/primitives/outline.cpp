@@ -27,10 +27,12 @@ void chooseAxes(Vec normal, int* axisU, int* axisV)
 
 void projectOutline(const Vec* vertices, int count, int axisU, int axisV, double* u, double* v)
 {
-    for (int i = 0; i <= edgesOf(count); ++i) {
-        u[i] = coordinate(vertices[i < count ? i : 0], axisU);
-        v[i] = coordinate(vertices[i < count ? i : 0], axisV);
-    }
+    const auto project = [&](double* kept, int axis) {
+        for (int i = 0; i <= edgesOf(count); ++i)
+            kept[i] = coordinate(vertices[i < count ? i : 0], axis);
+    };
+    project(u, axisU);
+    project(v, axisV);
 }
 
 /// Calls `add` with each group of the outline and the first and the last bin that it touches.

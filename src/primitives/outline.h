@@ -25,7 +25,7 @@ constexpr int edgesOf(int count)
 }
 
 /// Fills `u` and `v`, edgesOf(`count`) + 1 of each, with the kept coordinates of the vertices, and of the
-/// first one again up to the end.
+/// first one again up to the end; all of `u` before `v`.
 void projectOutline(const Vec* vertices, int count, int axisU, int axisV, double* u, double* v);
 
 /// The distance at which `ray` meets the plane normal . p + offset = 0, from either side. EPSILON itself is
@@ -33,7 +33,7 @@ void projectOutline(const Vec* vertices, int count, int axisU, int axisV, double
 static inline bool faceReach(Vec normal, double offset, const Ray& ray, double* t)
 {
     const double den = dot(normal, ray.direction);
-    if (!(den <= -EPSILON || den >= EPSILON))
+    if (!(std::abs(den) >= EPSILON))
         return false;
     *t = -(dot(normal, ray.origin) + offset) / den;
     return *t >= EPSILON;

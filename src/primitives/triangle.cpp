@@ -20,7 +20,8 @@ Object* makeTriangle(const Vec* vertices)
     triangle->normal = faceNormal(vertices);
     triangle->offset = -dot(triangle->normal, vertices[0]);
     chooseAxes(triangle->normal, &triangle->axisU, &triangle->axisV);
-    projectOutline(vertices, 3, triangle->axisU, triangle->axisV, triangle->u, triangle->v);
+    // The first v takes the place of the last u.
+    projectOutline(vertices, 3, triangle->axisU, triangle->axisV, triangle->outline, triangle->outline + 4);
     boundPoints(&triangle->head, vertices, 3, EPSILON); // gives a triangle square to an axis some thickness
     return listPrimitive(&triangle->head);
 }

@@ -9,7 +9,8 @@ struct Triangle {
     Vec normal;
     double offset;
     int axisU, axisV;
-    double u[5], v[5]; // the two kept coordinates of each vertex, then those of the first again
+    double outline[9]; // 4 u, then 5 v: the fourth edge, from the first vertex to itself, can do without its
+                       // last u
 };
 
 extern const Operations triangleOperations;
@@ -22,6 +23,6 @@ Object* makeTriangle(const Vec* vertices);
 static inline bool triangleReach(const Triangle& triangle, const Ray& ray, double* t)
 {
     return faceReach(triangle.normal, triangle.offset, ray, t) &&
-           crossesOddly(triangle.u, triangle.v, keptCoordinate(ray, *t, triangle.axisU),
+           crossesOddly(triangle.outline, triangle.outline + 4, keptCoordinate(ray, *t, triangle.axisU),
                         keptCoordinate(ray, *t, triangle.axisV));
 }
