@@ -9,9 +9,8 @@ struct Polygon {
     int edges;
     double offset;
     int axisU, axisV;
-    const double* u; // edges + 1, as in a triangle; they stand behind the record
-    const double* v;
     const OutlineBins* bins; // null for a small outline; never freed
+    // Behind the record stand the u and v of the outline, edges + 1 of each.
 };
 
 extern const Operations polygonOperations;
@@ -28,6 +27,10 @@ static inline bool polygonReach(const Polygon& polygon, const Ray& ray, double* 
         return false;
     const double px = keptCoordinate(ray, *t, polygon.axisU);
     const double py = keptCoordinate(ray, *t, polygon.axisV);
-    return polygon.bins != nullptr ? outlineHolds(polygon.u, polygon.v, *polygon.bins, px, py)
-                                   : outlineHolds(polygon.u, polygon.v, polygon.edges, px, py);
+    const auto* u = reinterpret_cast<const double*>(&polygon + 1);
+    if (polygon.edges == EDGES_IN_GROUP) // most have four corners: spares them the loop
+        return crossesOddly(u, u + EDGES_IN_GROUP + 1, px, py);
+    const double* v = u + polygon.edges + 1;
+    return polygon.bins != nullptr ? outlineHolds(u, v, *polygon.bins, px, py)
+                                   : outlineHolds(u, v, polygon.edges, px, py);
 }
