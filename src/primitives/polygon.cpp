@@ -13,6 +13,14 @@ constexpr auto polygonNormal = flatNormal<Polygon>;
 
 constinit const Operations polygonOperations = {polygonIntersect, polygonNormal, polygonPrint};
 
+[[gnu::noinline]] bool longOutlineHolds(const Polygon& polygon, double px, double py)
+{
+    const auto* u = reinterpret_cast<const double*>(&polygon + 1);
+    const double* v = u + polygon.edges + 1;
+    return polygon.bins != nullptr ? outlineHolds(u, v, *polygon.bins, px, py)
+                                   : outlineHolds(u, v, polygon.edges, px, py);
+}
+
 Object* makePolygon(const Vec* vertices, int count)
 {
     const int edges = edgesOf(count);

@@ -20,6 +20,10 @@ extern const Operations polygonOperations;
 /// and vertices off the plane are projected along a coordinate axis.
 Object* makePolygon(const Vec* vertices, int count);
 
+/// Whether the point lies inside the outline of a polygon of more than four corners. Not for the inside of
+/// the walk, which is faster when it is short.
+bool longOutlineHolds(const Polygon& polygon, double px, double py);
+
 /// The distance at which `ray` meets the polygon, in `*t`. False on a miss, and for non-numbers.
 static inline bool polygonReach(const Polygon& polygon, const Ray& ray, double* t)
 {
@@ -28,9 +32,6 @@ static inline bool polygonReach(const Polygon& polygon, const Ray& ray, double* 
     const double px = keptCoordinate(ray, *t, polygon.axisU);
     const double py = keptCoordinate(ray, *t, polygon.axisV);
     const auto* u = reinterpret_cast<const double*>(&polygon + 1);
-    if (polygon.edges == EDGES_IN_GROUP) // most have four corners: spares them the loop
-        return crossesOddly(u, u + EDGES_IN_GROUP + 1, px, py);
-    const double* v = u + polygon.edges + 1;
-    return polygon.bins != nullptr ? outlineHolds(u, v, *polygon.bins, px, py)
-                                   : outlineHolds(u, v, polygon.edges, px, py);
+    return polygon.edges == EDGES_IN_GROUP ? crossesOddly(u, u + EDGES_IN_GROUP + 1, px, py)
+                                           : longOutlineHolds(polygon, px, py);
 }
