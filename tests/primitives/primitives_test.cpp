@@ -162,14 +162,14 @@ TEST_F(PrimitiveTest, BinsOfAnOutlineLoseNoEdge)
 {
     // Stars that cross themselves, at ever other heights, one that only goes up and down, and too high a one.
     for (const double height : {1.0, 1e-3, 1e300, 0.0, 1.7e308}) {
-        std::vector<Vec> corners(150);
+        Vec corners[150];
         for (int i = 0; i < 150; ++i) {
             const double angle = i % 5 * 7 + i;
             corners[i] = {std::cos(angle), (i % 3 == 0 ? std::sin(angle) : i % 2 - 0.5) * height, 0};
         }
         double u[153], v[153];
         ASSERT_EQ(edgesOf(150), 152);
-        projectOutline(corners.data(), 150, 0, 1, u, v);
+        projectOutline(corners, 150, 0, 1, u, v);
         const OutlineBins* bins = makeOutlineBins(v, 152);
         ASSERT_EQ(bins != nullptr, height > 0 && height < 1e308) << height;
         for (int i = 0; bins != nullptr && i < 150 * 150; ++i) {
