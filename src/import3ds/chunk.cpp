@@ -72,7 +72,7 @@ bool skipRest(Chunk* chunk)
     const std::uint32_t rest = bytesLeft(chunk);
     if (rest > fileEnd - position)
         return damaged(fileEnd, FILE_END); // a seek would pass the end without a word
-    if (rest > 0 && fseeko(m_FilePointer, rest, SEEK_CUR) != 0)
+    if (rest > 0 && fseeko(m_FilePointer, static_cast<off_t>(rest), SEEK_CUR) != 0)
         return damaged(position, FILE_END);
     position += rest;
     chunk->bytesRead = chunk->length;
