@@ -115,7 +115,7 @@ static void wrap(const Run& run)
     if (node == nullptr)
         fatal(OUT_OF_MEMORY);
     Object& head = node->head;
-    node->children = {.first = at(run, 0)->record, .count = run.count};
+    node->children = {.first = at(run, 0)->record, .count = run.count, .primitives = 0};
     head.type = BOUNDING_NODE;
     for (int axis = 0; axis < 3; ++axis) {
         head.boundsMin[axis] = NO_LIMIT;
@@ -123,6 +123,7 @@ static void wrap(const Run& run)
     }
     for (int i = 0; i < run.count; ++i) {
         Object* member = at(run, i)->record;
+        node->children.primitives += member->type == BOUNDING_NODE ? childrenOf(member).primitives : 1;
         member->next = i + 1 < run.count ? at(run, i + 1)->record : nullptr;
         for (int axis = 0; axis < 3; ++axis) {
             if (member->boundsMin[axis] < head.boundsMin[axis])

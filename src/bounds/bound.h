@@ -8,8 +8,9 @@
 
 /// The members of a bounding node.
 struct ChildList {
-    Object* first; // chained by `next`
-    int count;     // at least 2
+    Object* first;  // chained by `next`
+    int count;      // at least 2
+    int primitives; // below this node, at any depth
 };
 
 /// Bounds around the bounds of its members. It has no surface.

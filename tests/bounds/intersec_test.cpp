@@ -2,6 +2,7 @@
 
 #include "bounds/bound.h"
 #include "bounds/packed.h"
+#include "bounds/room.h"
 #include "bounds/slab.h"
 #include "bounds/walk.h"
 #include "core/settings.h"
@@ -208,6 +209,27 @@ TEST_F(IntersectTest, AllWaysAgreeInTheGalleryAndTheWalkAnswersNineOfTenRays)
     std::filesystem::current_path("/");
     EXPECT_GT(rays, 30000);
     EXPECT_GE(10 * answers, 9 * rays) << answers << " of " << rays;
+}
+
+TEST_F(IntersectTest, NoRayFillsAQueueThatHasRoom)
+{
+    for (const SceneKind& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        plantObjects(kind, 120);
+        iPQSize = 8;
+        while (originsWithRoom() == 0.0)
+            ++iPQSize;
+        const auto shoot = [] {
+            Hit hit;
+            for (int i = 0; i < 20000; ++i) {
+                const Ray ray = randomRay();
+                if (ray.direction.x * ray.direction.y * ray.direction.z != 0.0) // others are left to the heap
+                    intersectByHeap(&ray, NO_LIMIT, &hit, nullptr);
+            }
+        };
+        EXPECT_EQ(inChild(shoot).status, 0);
+        releasePackedTree();
+    }
 }
 
 TEST_F(IntersectTest, TheLeastQueueThatHoldsARayIsTheSameForBothWalks)
