@@ -2,7 +2,7 @@
 
 #include "bounds/bound.h"
 #include "bounds/intersec.h"
-#include "bounds/packed.h"
+#include "bounds/packing.h"
 #include "bounds/pqueue.h"
 #include "bounds/slab.h"
 #include "core/settings.h"

@@ -3,6 +3,7 @@
 #include "bounds/bound.h"
 #include "bounds/intersec.h"
 #include "bounds/packed.h"
+#include "bounds/packing.h"
 #include "core/data.h"
 #include "core/fatal.h"
 #include "core/progress.h"

@@ -27,7 +27,8 @@ struct Folded {
 };
 
 // The lowest three bits tell a node from the kinds of primitive, which are numbered from 0; the next three
-// hold the number of nodes that were folded into a node.
+// hold the number of nodes that were folded into a node. In a grouped tree nothing is folded: there they tell
+// the kinds of sieve from a node.
 constexpr PackedMember TAG_BITS = 7, NODE_TAG = 7;
 constexpr int FOLDED_SHIFT = 3;
 constexpr PackedMember FOLDED_BITS = 7 << FOLDED_SHIFT;
@@ -71,19 +72,30 @@ static inline int typeOf(PackedMember member)
     return static_cast<int>(member & TAG_BITS) + SPHERE;
 }
 
-/// The packed copy of the tree at myObjectList, its root first and a node's subtrees behind it in their
-/// order, or 0 if there is none. Written by packTree, only read during the render.
+/// A bound as a float, kept within what the walk can calculate with. The slack of the walk is far above the
+/// rounding here.
+float packedBound(double value);
+
+/// Leaves all lanes empty.
+void clearNode(PackedNode* node);
+
+/// The root of the packed tree, or 0 if there is none. In a copy of the tree at myObjectList it comes first,
+/// and a node's subtrees behind it in their order. All that is packed is only read during the render.
 extern PackedMember packedRoot;
 
-/// What was folded into each of the packed nodes, in the same order.
+/// Whether the packed tree is one of groupBySurface, whose nodes have nothing to do with those of the
+/// records.
+extern bool packedIsGrouped;
+
+/// How far from the middle of the world, on each axis, a ray may start that is walked through the packed
+/// tree.
+extern double packedReach;
+
+/// What was folded into each node of a copy, in the same order.
 extern const Folded* packedFolded;
 
-/// Whether all bounds of the packed tree enclose those below them.
+/// Whether all bounds of a copy enclose those below them.
 extern bool packedEncloses;
 
-/// Makes the packed copy of a finished tree. It makes none, and the walk does without, when there is no tree,
-/// no memory, or a bound that is not a number: the shortcuts of the walk reason about bounds that enclose.
-void packTree();
-
-/// Gives the packed copy back.
+/// Gives the packed tree back.
 void releasePackedTree();

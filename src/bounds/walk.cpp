@@ -1,6 +1,7 @@
 #include "bounds/walk.h"
 
 #include "bounds/packed.h"
+#include "bounds/sieve.h"
 #include "bounds/slab.h"
 #include "core/settings.h"
 #include "primitives/kinds.h"
@@ -9,6 +10,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #if defined(__SSE2__)
 #include <immintrin.h>
@@ -39,6 +41,11 @@
 // A shadow ray needs less: any object before the limit that passes the exact slab test is one that the heap
 // would have come to, unless it had stopped at another one. Only a ray that nothing blocks needs (3).
 //
+// In a grouped tree the nodes are others than the heap's. (1) and (2) prove what they did, for they speak of
+// objects and of the heap's own bounds; a sieve leaves out what the ray misses, and what it hits behind the
+// best hit by more than the slack, which changes nothing. (3) is not needed: such a tree is built where no
+// ray that starts within `packedReach` can fill the queue.
+//
 // The slab test here runs on eight members at a time, in floats, which lets twice as many nodes into a cache.
 // Its errors go one way: it lets through whatever the heap would let through, with a key that is not above
 // the heap's. The slack for that is relative to the distance from the ray's origin to a plane and to the
@@ -56,7 +63,10 @@ static constexpr double SLACK = 1e-9;
 // More than a few roundings of a float.
 static constexpr double FLOAT_SLACK = 1e-6;
 // Limits of what the proof covers.
-static constexpr double LEAST_INVERSE = 1e-6, MOST_INVERSE = 1e30, MOST = 1e20;
+static constexpr double MOST_INVERSE = 1e30, MOST = 1e20;
+// Some thirty roundings of a float, where a sieve has half as many; and how far from the middle of the world
+// its products stay floats.
+static constexpr float SIEVE_SLACK = 2e-6F, MOST_SIFTED = 1e9F;
 
 // What opening a node may add to the heap, by its passing members: their number less one, or nothing.
 static constexpr auto gainOf = [] {
@@ -154,6 +164,27 @@ static inline Lanes lesser(const Lanes& a, const Lanes& b)
     return {lesser(a.low, b.low), lesser(a.high, b.high)};
 }
 
+static inline Lanes operator+(const Lanes& a, const Lanes& b)
+{
+    return {a.low + b.low, a.high + b.high};
+}
+
+static inline Lanes operator-(const Lanes& a, const Lanes& b)
+{
+    return {a.low - b.low, a.high - b.high};
+}
+
+static inline Lanes operator*(const Lanes& a, const Lanes& b)
+{
+    return {a.low * b.low, a.high * b.high};
+}
+
+static inline Lanes load(const float* list)
+{
+    const auto* halves = reinterpret_cast<const Shared*>(list);
+    return {halves[0], halves[1]};
+}
+
 static inline int notAbove(Shared a, Shared b)
 {
     const auto mask = a <= b;
@@ -208,6 +239,11 @@ static inline Shared share(double value)
 static inline Lanes distances(const float* planes, Shared origin, Shared inverse)
 {
     return _mm256_mul_ps(_mm256_sub_ps(_mm256_load_ps(planes), origin), inverse);
+}
+
+static inline Lanes load(const float* list)
+{
+    return _mm256_load_ps(list);
 }
 
 static inline Lanes greater(Lanes a, Lanes b)

@@ -1,5 +1,5 @@
 #include "bounds/bound.h"
-#include "bounds/packed.h"
+#include "bounds/packing.h"
 #include "core/args.h"
 #include "core/data.h"
 #include "core/fatal.h"

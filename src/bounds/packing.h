@@ -1,0 +1,9 @@
+#pragma once
+
+/// Makes the packed tree of a finished one: where the queue cannot fill, and the picture is large enough, of
+/// primitives that are grouped anew, for fewer nodes on the way of a ray; else a copy.
+void packTree();
+
+/// Makes a packed copy. It makes none, and the walk does without, when there is no tree, no memory, or a
+/// bound that is not a number: the shortcuts of the walk reason about bounds that enclose.
+void packRecords();
