@@ -22,6 +22,9 @@ static constexpr int FEW = 4;
 // Of the surface around all: an item with more is large.
 static constexpr double LARGE = 0.25;
 
+// In place of the surface of a range that is to be no larger or smaller.
+static constexpr double APART = -1.0;
+
 static constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 namespace
@@ -232,17 +235,34 @@ static void setLane(PackedNode* node, int lane, const Range& range, PackedMember
     node->members[lane] = member;
 }
 
-/// Packs the items of `range` into a node, and what is below it behind it. The first `single` of them get
-/// lanes of their own.
-static PackedMember group(const Range& range, int single, Block* block)
+static PackedMember makeSieve(const Range& range, SieveKind kind, Block* block)
+{
+    switch (kind) {
+    case FACE_SIEVE:
+        return makeSieve<FaceSieve>(range, kind, block);
+    case BALL_SIEVE:
+        return makeSieve<BallSieve>(range, kind, block);
+    default:
+        return makeSieve<PlaneSieve>(range, kind, block);
+    }
+}
+
+/// Packs the items of `range` into a node, and what is below it behind it. The first `large` of them stand
+/// apart from the others, those of one kind of sieve in one lane.
+static PackedMember group(const Range& range, int large, Block* block)
 {
     auto* node = static_cast<PackedNode*>(take(block, sizeof(PackedNode)));
     clearNode(node);
     Range parts[LANES];
     int count = 0;
-    for (; count < single; ++count)
-        parts[count] = {range.first + count, 1, 0.0};
-    parts[count++] = {range.first + single, range.count - single, range.surface};
+    for (Item* next = range.first; next < range.first + large; next += parts[count++].count) {
+        const SieveKind kind = sieveFor(next->object->type);
+        Range& part = parts[count] = {next, 1, APART};
+        while (kind != NO_SIEVE && next + part.count < range.first + large &&
+               sieveFor(next[part.count].object->type) == kind)
+            ++part.count;
+    }
+    parts[count++] = {range.first + large, range.count - large, range.surface};
     while (count < LANES) {
         Range* largest = nullptr;
         for (Range* part = parts; part < parts + count; ++part)
@@ -260,7 +280,8 @@ static PackedMember group(const Range& range, int single, Block* block)
     for (int i = 0; i < count; ++i) {
         const auto& [first, size, surface] = parts[i];
         kinds[i] = size <= LANES ? sieveFor(parts[i]) : NO_SIEVE;
-        isOpen[i] = size - 1 <= left && (size <= FEW || kinds[i] == NO_SIEVE);
+        isOpen[i] =
+            size == 1 || (size - 1 <= left && (kinds[i] == NO_SIEVE || (size <= FEW && surface != APART)));
         if (!isOpen[i])
             continue;
         left -= size - 1;
@@ -269,9 +290,7 @@ static PackedMember group(const Range& range, int single, Block* block)
     }
     for (int i = 0; i < count; ++i)
         if (!isOpen[i] && kinds[i] != NO_SIEVE)
-            setLane(node, lane++, parts[i],
-                    kinds[i] == FACE_SIEVE ? makeSieve<FaceSieve>(parts[i], FACE_SIEVE, block)
-                                           : makeSieve<BallSieve>(parts[i], BALL_SIEVE, block));
+            setLane(node, lane++, parts[i], makeSieve(parts[i], kinds[i], block));
     for (int i = 0; i < count; ++i)
         if (!isOpen[i] && kinds[i] == NO_SIEVE)
             setLane(node, lane++, parts[i], group(parts[i], 0, block));
@@ -315,8 +334,10 @@ static int bringLarge(const Range& range)
                                          [&](const Item& item) { return surfaceOf(boxOf(item)) > least; });
         found = static_cast<int>(end - rest);
         if (large + found >= std::min(LANES, range.count))
-            return large;
+            break;
     }
+    std::sort(range.first, range.first + large,
+              [](const Item& a, const Item& b) { return a.object->type < b.object->type; });
     return large;
 }
 

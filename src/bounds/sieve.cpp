@@ -1,6 +1,7 @@
 #include "bounds/sieve.h"
 
 #include "primitives/patch.h"
+#include "primitives/plane.h"
 #include "primitives/sphere.h"
 #include "primitives/triangle.h"
 
@@ -94,6 +95,22 @@ void fillSieve(BallSieve* sieve, const Object* const* balls, int count)
             sieve->center[axis][lane] = static_cast<float>(coordinate(ball.center, axis));
         sieve->radius[lane] = static_cast<float>(std::abs(ball.radius));
         size = std::max(size, lengthOf(ball.center) + std::abs(ball.radius));
+    }
+    sieve->size = static_cast<float>(size);
+    sieve->used = (1U << count) - 1;
+}
+
+void fillSieve(PlaneSieve* sieve, const Object* const* planes, int count)
+{
+    *sieve = {};
+    double size = 0.0;
+    for (int lane = 0; lane < count; ++lane) {
+        const auto& plane = recordOf<Plane>(planes[lane]);
+        sieve->members[lane] = memberOf(planes[lane]);
+        for (int axis = 0; axis < 3; ++axis)
+            sieve->normal[axis][lane] = static_cast<float>(coordinate(plane.normal, axis));
+        sieve->distance[lane] = static_cast<float>(-plane.offset);
+        size = std::max(size, std::abs(plane.offset));
     }
     sieve->size = static_cast<float>(size);
     sieve->used = (1U << count) - 1;

@@ -6,7 +6,7 @@
 // hit. It errs to one side only: what the exact test of a primitive finds always passes. So most records are
 // never read. Sieves stand in a grouped tree at the ends, where else a node would hold primitives.
 
-enum SieveKind { NO_SIEVE, FACE_SIEVE, BALL_SIEVE };
+enum SieveKind { NO_SIEVE, FACE_SIEVE, BALL_SIEVE, PLANE_SIEVE };
 
 /// Triangles and patches: a corner, and the edges from there to the two others. In a lane that is not in use
 /// the corner is no number.
@@ -28,10 +28,22 @@ struct alignas(64) BallSieve {
     unsigned used; // lanes with a sphere, a bit each
 };
 
+/// Planes: the points p with normal . p = distance. In a lane that is not in use the normal is 0, and so no
+/// ray travels along it.
+struct alignas(64) PlaneSieve {
+    float normal[3][LANES], distance[LANES];
+    PackedMember members[LANES];
+    float size;    // how far from the middle of the world a plane lies at most
+    unsigned used; // lanes with a plane, a bit each
+};
+
 /// The kind of sieve for a type of primitive.
 static inline SieveKind sieveFor(int type)
 {
-    return type == TRIANGLE || type == PATCH ? FACE_SIEVE : type == SPHERE ? BALL_SIEVE : NO_SIEVE;
+    return type == TRIANGLE || type == PATCH ? FACE_SIEVE
+           : type == SPHERE                  ? BALL_SIEVE
+           : type == PLANE                   ? PLANE_SIEVE
+                                             : NO_SIEVE;
 }
 
 static inline PackedMember memberOf(const void* sieve, SieveKind kind)
@@ -55,6 +67,12 @@ static inline const BallSieve& ballSieveOf(PackedMember member)
     return *reinterpret_cast<const BallSieve*>(nodeOf(member));
 }
 
+static inline const PlaneSieve& planeSieveOf(PackedMember member)
+{
+    return *reinterpret_cast<const PlaneSieve*>(nodeOf(member));
+}
+
 /// Fills a sieve with `count` primitives of its kind, 1 to LANES.
 void fillSieve(FaceSieve* sieve, const Object* const* faces, int count);
 void fillSieve(BallSieve* sieve, const Object* const* balls, int count);
+void fillSieve(PlaneSieve* sieve, const Object* const* planes, int count);

@@ -112,6 +112,7 @@ static const struct SceneKind {
     {"small patches", false, [] { addFace(true, 0.3, 1e-3, 1); }},
     {"slivers", false, [] { addFace(below(2) == 0, 5, 3, 1e-5); }},
     {"patches far away", false, [] { addFace(true, 3e4, 300, 1); }},
+    {"planes", true, [] { makePlane(point(1), in(-6, 6)); }},
     {"tubes in tubes", true, [] { makeCone(-4 * Z, 0.25 * (1 + below(16)), 4 * Z, 1); }},
     {"a chain of nodes", true, // each sphere is farther away than all before it are wide
      [] {
