@@ -87,13 +87,15 @@ int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
         return ObjectIntersect(myObjectList, ray, hit);
     if (packedRoot != 0) {
         const Object* found;
-        switch (walkToNearest(*ray, limit, exclude, &found)) {
+        double distance;
+        switch (walkToNearest(*ray, limit, exclude, &found, &distance)) {
         case Answer::NOTHING:
             checkWalk(ray, limit, exclude, false, nullptr);
             return 0;
         case Answer::FOUND:
             checkWalk(ray, limit, exclude, true, found);
-            return ObjectIntersect(found, ray, hit); // the walk has only kept the distance
+            fillHit(found, ray, distance, hit);
+            return 1;
         case Answer::UNSURE:
             break;
         }

@@ -285,10 +285,11 @@ bool isWideWalk = false;
 namespace wide = halves;
 #endif
 
-Answer walkToNearest(const Ray& ray, double limit, const Object* exclude, const Object** found)
+Answer walkToNearest(const Ray& ray, double limit, const Object* exclude, const Object** found,
+                     double* distance)
 {
-    return isWideWalk ? wide::walkToNearest(ray, limit, exclude, found)
-                      : halves::walkToNearest(ray, limit, exclude, found);
+    return isWideWalk ? wide::walkToNearest(ray, limit, exclude, found, distance)
+                      : halves::walkToNearest(ray, limit, exclude, found, distance);
 }
 
 Answer walkToAny(const Ray& ray, double limit, const Object* exclude, const Object** found)

@@ -9,8 +9,9 @@ enum class Answer { NOTHING, FOUND, UNSURE };
 extern bool isWideWalk;
 
 /// Looks in the packed tree, which must exist, for the object that `ray` meets first before `limit`, without
-/// `exclude`. On FOUND, `*found` is set.
-Answer walkToNearest(const Ray& ray, double limit, const Object* exclude, const Object** found);
+/// `exclude`. On FOUND, `*found` and `*distance` are set.
+Answer walkToNearest(const Ray& ray, double limit, const Object* exclude, const Object** found,
+                     double* distance);
 
 /// Looks for any object that stands on `ray` before `limit`, likewise.
 Answer walkToAny(const Ray& ray, double limit, const Object* exclude, const Object** found);

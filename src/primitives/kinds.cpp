@@ -23,6 +23,14 @@ Vec ObjectNormal(const Object* self, Vec point, const Hit* hit)
     return operationsOf(self).normal(self, point, hit);
 }
 
+void fillHit(const Object* self, const Ray* ray, double distance, Hit* hit)
+{
+    if (self->type == SPHERE || self->type == PATCH) // whose hits tell more
+        ObjectIntersect(self, ray, hit);
+    else
+        *hit = {.distance = distance, .entering = self->type != CONE, .object = self, .hitNormal = {}};
+}
+
 void ObjectPrint(const Object* self)
 {
     operationsOf(self).print(self);

@@ -17,6 +17,9 @@ int ObjectIntersect(const Object* self, const Ray* ray, Hit* hit);
 /// The unit normal at the point of that hit, turned to no special side.
 Vec ObjectNormal(const Object* self, Vec point, const Hit* hit);
 
+/// Fills the hit of a ray that is known to meet the primitive at `distance`.
+void fillHit(const Object* self, const Ray* ray, double distance, Hit* hit);
+
 /// Prints the data of a primitive.
 void ObjectPrint(const Object* self);
 

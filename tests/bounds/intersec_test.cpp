@@ -224,11 +224,12 @@ TEST_F(IntersectTest, AllWaysAgreeInTheGalleryAndTheWalkAnswersNineOfTenRays)
             initRay((i % 32 + 0.5) * myDisplay.width / 32, (i / 32 + 0.5) * myDisplay.height / 24, &ray);
             const Hit hit = compareWays(ray, NO_LIMIT, nullptr, objects.size() < 300);
             const Object* found;
-            count(walkToNearest(ray, NO_LIMIT, nullptr, &found));
+            double distance;
+            count(walkToNearest(ray, NO_LIMIT, nullptr, &found, &distance));
             if (hit.object == nullptr || myLightList == nullptr)
                 continue;
             const Vec point = ray.origin + hit.distance * ray.direction;
-            const double distance = makeLightRay(myLightList, point, &toLight);
+            distance = makeLightRay(myLightList, point, &toLight);
             compareWays(toLight, distance, hit.object, false);
             count(walkToAny(toLight, distance, hit.object, &found));
         }
