@@ -17,8 +17,8 @@
 // The greatest sum over all points is bounded by cutting space in half again and again, as long as the sum
 // over what touches a piece, for the worst octant, is too large. A node that is small beside the piece counts
 // with all that is below it: that is its primitives less one; a larger one is opened. The search ends without
-// an answer where the sum in the middle of a piece is too large, or when it has done its share of work:
-// scenes that have room take some eight parts for each primitive.
+// an answer where the sum in the middle of a piece is too large, or when it has done its share of work: the
+// scenes that it is for take some eight parts for each primitive.
 //
 // The keys are rounded, so the bounds are taken a little wider: by a few roundings of their own coordinates
 // and of those of the origin, which is why that must not lie too far away.
@@ -26,9 +26,9 @@
 // Some roundings of a double.
 static constexpr double ROUNDING = 1e-15;
 // How many times as far as the scene reaches a ray may start.
-static constexpr double FARTHEST = 16.0;
+static constexpr double REACH = 16.0;
 static constexpr int MOST_DEPTH = 200, MOST_PARTS = 1 << 16;
-static constexpr long PARTS_FOR_ALL = 1 << 16, PARTS_FOR_PRIMITIVE = 64;
+static constexpr long PARTS_FOR_ALL = 1 << 16, PARTS_FOR_PRIMITIVE = 12;
 
 namespace
 {
@@ -133,7 +133,7 @@ static bool addPart(const Object* node, const Piece& piece, double length, Searc
 /// Whether the queue has room wherever in `piece` a ray is; the parts from `first` to `end` touch it.
 static bool hasRoom(const Piece& piece, int first, int end, int depth, Search* search)
 {
-    int held = 1; // for any direction
+    int held = 1; // for any direction, of which an octant seldom has less than half
     for (int i = first; i < end && held / 2 < iPQSize; ++i) {
         const ChildList& children = childrenOf(search->parts[i].node);
         held += (search->parts[i].isOpen ? children.count : children.primitives) - 1;
@@ -186,10 +186,12 @@ double originsWithRoom()
         extent = std::max({extent, std::abs(all.low[axis]), std::abs(all.high[axis]),
                            std::abs(coordinate(myViewPoint.position, axis))});
     }
+    const double farthest = REACH * extent;
+    if (!std::isfinite(farthest)) // such a piece has no middle
+        return 0.0;
     auto* search = static_cast<Search*>(malloc(sizeof(Search)));
     if (search == nullptr)
         return 0.0;
-    const double farthest = FARTHEST * extent;
     search->widening = farthest * ROUNDING;
     search->left = PARTS_FOR_ALL + PARTS_FOR_PRIMITIVE * childrenOf(root).primitives;
     int count = 0;

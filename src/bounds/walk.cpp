@@ -17,8 +17,8 @@
 #endif
 
 // The fast walk: depth first over the packed tree, with a small stack; of a node first the primitives, then
-// the nodes, the nearest first. `intersect` and its heap define what a ray hits; this walk finds the same in
-// less time, or says that it cannot be sure, and then the heap is asked. Why the same:
+// what else it holds, the nearest first. `intersect` and its heap define what a ray hits; this walk finds the
+// same in less time, or says that it cannot be sure, and then the heap is asked. Why the same:
 //
 // The heap opens nodes and tests objects in the order of their keys, the distances at which the ray enters
 // their bounds, and a member's key is never below that of its node, because bounds enclose and rounding keeps
@@ -50,9 +50,8 @@
 // Its errors go one way: it lets through whatever the heap would let through, with a key that is not above
 // the heap's. The slack for that is relative to the distance from the ray's origin to a plane and to the
 // coordinates of the origin, and so covers the rounding of the planes too. Planes are cut to 1e30. With
-// coordinates of the origin and a limit below 1e20, and reciprocals of the direction above 1e-6, a plane that
-// was cut lies, in floats as in doubles, some 1e24 along the ray, far behind the limit; other rays are the
-// heap's.
+// coordinates of the origin and a limit below 1e20, and a direction of length 1, a plane that was cut lies,
+// in floats as in doubles, some 1e30 along the ray, far behind the limit; other rays are the heap's.
 //
 // The code of the walk stands in walk.inc and is compiled twice: once with two halves of four lanes, for
 // every machine, and once with all eight in a register of AVX2, which is used where the processor has it.
@@ -62,8 +61,9 @@
 static constexpr double SLACK = 1e-9;
 // More than a few roundings of a float.
 static constexpr double FLOAT_SLACK = 1e-6;
-// Limits of what the proof covers.
-static constexpr double MOST_INVERSE = 1e30, MOST = 1e20;
+// Limits of what the proof covers. A ray of a longer direction finds a sphere wider than it is, by the root
+// of what is left of the length's square: far away that soon is more than a sieve allows.
+static constexpr double MOST_INVERSE = 1e30, MOST = 1e20, OFF_UNIT = 1e-12;
 // Some thirty roundings of a float, where a sieve has half as many; and how far from the middle of the world
 // its products stay floats.
 static constexpr float SIEVE_SLACK = 2e-6F, MOST_SIFTED = 1e9F;

@@ -112,7 +112,21 @@ static const struct SceneKind {
     {"small patches", false, [] { addFace(true, 0.3, 1e-3, 1); }},
     {"slivers", false, [] { addFace(below(2) == 0, 5, 3, 1e-5); }},
     {"patches far away", false, [] { addFace(true, 3e4, 300, 1); }},
+    {"balls far away, seen at their limbs", false,
+     [] {
+         const Vec center = point(1e3), side = unit(cross(center, point(1)));
+         const double r = std::pow(10.0, in(-4, 0));
+         makeSphere(center, r);
+         targets.push_back(center + r * side);
+         targets.push_back(center + r * Vec{below(2) == 0 ? 1.0 : -1.0, 1.0, -1.0}); // a corner of its bounds
+     }},
     {"planes", true, [] { makePlane(point(1), in(-6, 6)); }},
+    {"planes through one line", false,
+     [] {
+         const Vec normal = unit({in(-1, 1), in(-1, 1), 0}), line = {1.7, 2.9, in(-3, 3)};
+         makePlane(normal, dot(normal, line));
+         targets.push_back(line);
+     }},
     {"tubes in tubes", true, [] { makeCone(-4 * Z, 0.25 * (1 + below(16)), 4 * Z, 1); }},
     {"a chain of nodes", true, // each sphere is farther away than all before it are wide
      [] {
@@ -146,7 +160,8 @@ static Ray randomRay()
 {
     if (!targets.empty() && below(2) == 0) {
         const Vec origin = point(below(2) == 0 ? 8 : 0.1);
-        return {origin, unit(targets[engine() % targets.size()] - origin)};
+        const double length = 1.0 + (below(4) == 0 ? in(0, 1e-9) : 0.0); // as behind a strange glass
+        return {origin, length * unit(targets[engine() % targets.size()] - origin)};
     }
     const Vec origin = point(8);
     if (below(8) == 0)
@@ -312,6 +327,14 @@ TEST_F(IntersectTest, FewObjectsAndNoNumbers)
                 EXPECT_FALSE(intersect(&r, NO_LIMIT, &hit, nullptr) || isBlocked(&r, 9.0, nullptr));
         releasePackedTree();
     }
+}
+
+TEST_F(IntersectTest, NothingIsSaidOfRoomInAnInfiniteScene)
+{
+    plantObjects({"", false, [] { makeSphere(O, nPrims == 0 ? INFINITY : 1); }}, 99);
+    iPQSize = 8;
+    EXPECT_EQ(originsWithRoom(), 0.0);
+    releasePackedTree();
 }
 
 TEST_F(IntersectTest, LeavesBoundsOfNonNumbersToTheHeap)
