@@ -4,6 +4,7 @@
 #include "bounds/sieve.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -17,15 +18,13 @@
 static constexpr int SLICES = 16;
 
 // A range of so few primitives is better off in the lanes that a node has left than in a sieve.
-static constexpr int FEW = 4;
+static constexpr int FEW_ITEMS = 4;
 
 // Of the surface around all: an item with more is large.
 static constexpr double LARGE = 0.25;
 
 // In place of the surface of a range that is to be no larger or smaller.
 static constexpr double APART = -1.0;
-
-static constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 namespace
 {
@@ -280,8 +279,8 @@ static PackedMember group(const Range& range, int large, Block* block)
     for (int i = 0; i < count; ++i) {
         const auto& [first, size, surface] = parts[i];
         kinds[i] = size <= LANES ? sieveFor(parts[i]) : NO_SIEVE;
-        isOpen[i] =
-            size == 1 || (size - 1 <= left && (kinds[i] == NO_SIEVE || (size <= FEW && surface != APART)));
+        isOpen[i] = size == 1 ||
+                    (size - 1 <= left && (kinds[i] == NO_SIEVE || (size <= FEW_ITEMS && surface != APART)));
         if (!isOpen[i])
             continue;
         left -= size - 1;
@@ -346,6 +345,8 @@ PackedMember groupBySurface(const Object* root)
     // Of what has two members or more there is less than there are primitives; the largest is a sieve.
     const int count = childrenOf(root).primitives;
     const auto size = static_cast<size_t>(count);
+    if (size > SIZE_MAX / sizeof(FaceSieve))
+        return 0;
     auto* items = static_cast<Item*>(malloc(size * sizeof(Item)));
     Block block = {.memory = static_cast<char*>(aligned_alloc(alignof(FaceSieve), size * sizeof(FaceSieve)))};
     PackedMember packed = 0;

@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <limits>
 
 constinit PackedMember packedRoot = 0;
 constinit const Folded* packedFolded = nullptr;
 constinit bool packedEncloses = true;
 constinit bool packedIsGrouped = false;
 constinit double packedReach = 0.0;
-
-static constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 float packedBound(double value)
 {

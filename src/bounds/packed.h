@@ -3,6 +3,9 @@
 #include "core/data.h"
 
 #include <cstdint>
+#include <limits>
+
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 constexpr int LANES = 8;              // members of a packed node
 constexpr int MAX_FOLDED = LANES - 2; // nodes that can be folded into one

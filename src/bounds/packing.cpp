@@ -8,6 +8,7 @@
 #include "core/settings.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 
 // The first members of a node that are fetched ahead; nodes of more are rare.
@@ -18,7 +19,7 @@ static constexpr double FARTHEST = 1e20;
 
 // So few objects, grouped in less than a tenth of a second, are grouped for any picture; more only if there
 // are as many pixels.
-static constexpr int FEW = 1 << 17;
+static constexpr int FEW_PRIMITIVES = 1 << 17;
 
 namespace
 {
@@ -149,7 +150,7 @@ static PackedMember pack(const Object* node, Packing* packing)
 static bool groupingPays()
 {
     return childrenOf(myObjectList).primitives <=
-           std::max<long>(FEW, static_cast<long>(myDisplay.width) * myDisplay.height);
+           std::max<std::int64_t>(FEW_PRIMITIVES, std::int64_t{myDisplay.width} * myDisplay.height);
 }
 
 /// Whether there is a tree that the walk can do without the heap.
@@ -166,7 +167,9 @@ static bool isWalkable()
 void packTree()
 {
     releasePackedTree();
-    if (isWalkable() && groupingPays() && (packedReach = std::min(originsWithRoom(), FARTHEST)) > 0.0)
+    if (!isWalkable())
+        return;
+    if (groupingPays() && (packedReach = std::min(originsWithRoom(), FARTHEST)) > 0.0)
         packedRoot = groupBySurface(myObjectList);
     packedIsGrouped = packedRoot != 0;
     if (!packedIsGrouped)
@@ -176,8 +179,6 @@ void packTree()
 void packRecords()
 {
     releasePackedTree();
-    if (!isWalkable())
-        return;
     packedEncloses = true;
     packedReach = FARTHEST;
     const auto count = static_cast<size_t>(iNumNodes);

@@ -8,8 +8,8 @@
 #include "primitives/sphere.h"
 #include "primitives/triangle.h"
 
-// The choice among the kinds of primitive. A new kind has its rows here, in the switch and in the table of
-// the source.
+// The choice among the kinds of primitive. A new kind has its rows here, in the switch, and in the source, in
+// the table and where its hits tell more than a distance.
 
 /// Tests a primitive: 1 and a filled hit, or 0; the hit is then not to be read.
 int ObjectIntersect(const Object* self, const Ray* ray, Hit* hit);
