@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <numeric>
+#include <utility>
 
 // Below this an outline is tested as quickly group by group.
-static constexpr int LEAST_EDGES = 32;
+static constexpr int LEAST_EDGES = 16;
 static constexpr int MOST_EDGES = 1 << 29; // so that an int counts all entries of the lists
 // How many bins a group may touch, in the mean: bounds the memory of an outline that goes up and down.
 static constexpr size_t MOST_LISTS = 8;
@@ -45,13 +47,13 @@ static void forGroups(const OutlineBins& bins, const double* v, int edges, Add a
     }
 }
 
-/// Chooses the number of bins, one to a group or fewer. False if the outline has no heights to share out.
+/// Chooses the number of bins, one to two edges or fewer. False if the outline has no heights to share out.
 static bool chooseBins(OutlineBins* bins, const double* v, int edges, size_t* entries)
 {
     const auto [low, high] = std::minmax_element(v, v + edges);
     bins->low = *low;
     bins->high = *high;
-    bins->count = edges / EDGES_IN_GROUP;
+    bins->count = edges / 2;
     const size_t most = MOST_LISTS * static_cast<size_t>(bins->count);
     do {
         bins->perUnit = bins->count / (bins->high - bins->low);
@@ -64,34 +66,82 @@ static bool chooseBins(OutlineBins* bins, const double* v, int edges, size_t* en
     return bins->count > 1;
 }
 
-const OutlineBins* makeOutlineBins(const double* v, int edges)
+/// Fills the extents and the gaps of the strips. `order` is room for as many numbers as there are edges.
+static void findGaps(const OutlineBins& bins, OutlineStrip* strips, const double* u, const double* v,
+                     int edges, int* order)
+{
+    std::for_each(strips, strips + bins.count, [](OutlineStrip& strip) { strip.left = HUGE_VAL; });
+    // From left to right, so that a gap is where an edge begins to the right of all before it.
+    const auto leftOf = [u](int edge) { return std::min(u[edge], u[edge + 1]); };
+    std::iota(order, order + edges, 0);
+    std::sort(order, order + edges, [&](int a, int b) { return leftOf(a) < leftOf(b); });
+    for (int i = 0; i < edges; ++i) {
+        const int edge = order[i];
+        const double left = leftOf(edge), right = std::max(u[edge], u[edge + 1]);
+        const auto [low, high] = std::minmax(v[edge], v[edge + 1]);
+        const int last = binOf(bins, high);
+        for (int bin = binOf(bins, low); bin <= last; ++bin) {
+            OutlineStrip& strip = strips[bin];
+            if (left < strip.left) // its first edge
+                strip.left = strip.right = left;
+            if (left - strip.right > strip.gapTo - strip.gapFrom) {
+                strip.gapFrom = strip.right;
+                strip.gapTo = left;
+            }
+            strip.right = std::max(strip.right, right);
+        }
+    }
+    for (int bin = 0; bin < bins.count; ++bin) {
+        // One point of the gap tells for all, asked while there is no gap yet.
+        const double from = std::exchange(strips[bin].gapFrom, 0.0);
+        const double to = std::exchange(strips[bin].gapTo, 0.0);
+        const double height = bins.low + (bin + 0.5) / bins.perUnit;
+        if (binOf(bins, height) != bin)
+            continue; // rounding left the strip no height of its own
+        strips[bin].isGapInside = outlineHolds(u, v, bins, std::midpoint(from, to), height);
+        strips[bin].gapFrom = from;
+        strips[bin].gapTo = to;
+    }
+}
+
+const OutlineBins* makeOutlineBins(const double* u, const double* v, int edges)
 {
     OutlineBins plan;
     size_t entries;
-    if (edges < LEAST_EDGES || edges > MOST_EDGES ||
-        !std::all_of(v, v + edges, [](double height) { return std::isfinite(height); }) ||
+    const auto isFinite = [edges](const double* kept) {
+        return std::all_of(kept, kept + edges, [](double x) { return std::isfinite(x); });
+    };
+    if (edges < LEAST_EDGES || edges > MOST_EDGES || !isFinite(u) || !isFinite(v) ||
         !chooseBins(&plan, v, edges, &entries))
         return nullptr;
+    const size_t count = static_cast<size_t>(plan.count) + 1;
     auto* bins = static_cast<OutlineBins*>(
-        calloc(1, sizeof plan + (static_cast<size_t>(plan.count) + 1 + entries) * sizeof(int)));
-    if (bins == nullptr)
+        calloc(1, sizeof plan + count * sizeof(OutlineStrip) + entries * sizeof(int)));
+    auto* order = static_cast<int*>(malloc(static_cast<size_t>(edges) * sizeof(int)));
+    if (bins == nullptr || order == nullptr) {
+        free(bins);
+        free(order);
         return nullptr;
-    auto* starts = reinterpret_cast<int*>(bins + 1);
+    }
+    auto* strips = reinterpret_cast<OutlineStrip*>(bins + 1);
+    auto* groups = reinterpret_cast<int*>(strips + count);
     *bins = plan;
-    bins->starts = starts;
-    // Sorted by counting: the length of each list goes to the place behind it, then they are summed to the
-    // ends of the lists, and filling them from the back leaves the starts.
+    bins->strips = strips;
+    bins->groups = groups;
+    // Sorted by counting: the lengths of the lists are summed to their ends, and filling them from the back
+    // leaves the starts.
     forGroups(plan, v, edges, [&](int, int first, int last) {
         for (int bin = first; bin <= last; ++bin)
-            ++starts[bin];
+            ++strips[bin].first;
     });
-    int end = plan.count + 1;
-    for (int bin = 0; bin < plan.count; ++bin)
-        starts[bin] = end += starts[bin];
-    starts[plan.count] = end;
+    int end = 0;
+    for (size_t bin = 0; bin < count; ++bin)
+        strips[bin].first = end += strips[bin].first;
     forGroups(plan, v, edges, [&](int group, int first, int last) {
         for (int bin = first; bin <= last; ++bin)
-            starts[--starts[bin]] = group;
+            groups[--strips[bin].first] = group;
     });
+    findGaps(*bins, strips, u, v, edges, order);
+    free(order);
     return bins;
 }

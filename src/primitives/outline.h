@@ -99,20 +99,33 @@ static inline bool outlineHolds(const double* u, const double* v, int edges, dou
     return odd;
 }
 
-/// The edges of a large outline by height: for each of `count` equal bins the groups of four that touch it,
-/// so that a point asks a few of them. A height goes to its bin by a formula that keeps the order, for points
-/// as for ends of edges, so that rounding loses no crossing.
-struct OutlineBins {
-    double low, high; // the extent of the outline
-    double perUnit;   // bins to a unit of height
-    int count;
-    const int* starts; // count + 1, of the lists behind them, which hold the first edge of each group
+/// One of the strips that an outline is cut into by height, as far as its edges touch it. Where no edge comes
+/// near, left of all of them, right of all, or between two, comparisons alone count those on the left: either
+/// both ends of an edge are, or neither. And no height of the strip changes their parity, since both edges
+/// that meet at a corner are on the same side.
+struct OutlineStrip {
+    double left, right;    // the extent of the edges
+    double gapFrom, gapTo; // the widest gap between them, or nothing
+    bool isGapInside;
+    int first; // the place of its list in OutlineBins::groups, which ends where the next begins
 };
 
-/// Makes the bins of an outline; null for one that is better off without, and without memory.
-const OutlineBins* makeOutlineBins(const double* v, int edges);
+/// The edges of a large outline by height: for each of `count` equal strips the groups of four that touch it,
+/// so that a point asks a few of them, if any. A height goes to its strip by a formula that keeps the order,
+/// for points as for ends of edges, so that rounding loses no crossing.
+struct OutlineBins {
+    double low, high; // the extent of the outline
+    double perUnit;   // strips to a unit of height
+    int count;
+    const OutlineStrip* strips; // count + 1
+    const int* groups;          // the first edge of each, strip by strip
+};
 
-/// The bin of a height of the outline.
+/// Makes the bins of an outline of projectOutline; null for one that is better off without, and without
+/// memory.
+const OutlineBins* makeOutlineBins(const double* u, const double* v, int edges);
+
+/// The strip of a height of the outline.
 static inline int binOf(const OutlineBins& bins, double height)
 {
     const int bin = static_cast<int>((height - bins.low) * bins.perUnit);
@@ -125,10 +138,14 @@ static inline bool outlineHolds(const double* u, const double* v, const OutlineB
 {
     if (!(py > bins.low && py <= bins.high))
         return false; // nothing crosses this height
+    const OutlineStrip* strip = bins.strips + binOf(bins, py);
+    if (px < strip->left || px > strip->right)
+        return false;
+    if (px > strip->gapFrom && px < strip->gapTo)
+        return strip->isGapInside;
     bool odd = false;
-    const int* start = bins.starts + binOf(bins, py);
-    for (int i = start[0]; i < start[1]; ++i)
-        odd ^= crossesOddly(u + bins.starts[i], v + bins.starts[i], px, py);
+    for (int i = strip[0].first; i < strip[1].first; ++i)
+        odd ^= crossesOddly(u + bins.groups[i], v + bins.groups[i], px, py);
     return odd;
 }
 

@@ -35,7 +35,7 @@ Object* makePolygon(const Vec* vertices, int count)
     polygon->offset = -dot(polygon->normal, vertices[0]);
     chooseAxes(polygon->normal, &polygon->axisU, &polygon->axisV);
     projectOutline(vertices, count, polygon->axisU, polygon->axisV, u, v);
-    polygon->bins = makeOutlineBins(v, edges);
+    polygon->bins = makeOutlineBins(u, v, edges);
     boundPoints(&polygon->head, vertices, count, 0.0); // unlike a triangle it stays flat
     return listPrimitive(&polygon->head);
 }

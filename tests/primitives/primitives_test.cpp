@@ -160,25 +160,31 @@ TEST_F(PrimitiveTest, InsideOfOutlines)
 
 TEST_F(PrimitiveTest, BinsOfAnOutlineLoseNoEdge)
 {
-    // Stars that cross themselves, at ever other heights, one that only goes up and down, and too high a one.
-    for (const double height : {1.0, 1e-3, 1e300, 0.0, 1.7e308}) {
-        Vec corners[150];
-        for (int i = 0; i < 150; ++i) {
-            const double angle = i % 5 * 7 + i;
-            corners[i] = {std::cos(angle), (i % 3 == 0 ? std::sin(angle) : i % 2 - 0.5) * height, 0};
+    constexpr int CORNERS = 73, EDGES = edgesOf(CORNERS);
+    for (const int shape : {0, 1, 2, 3})
+        for (const double height : {1.0, 1e-3, 1e300, 0.0, 1.7e308}) {
+            Vec corners[CORNERS];
+            double u[EDGES + 1], v[EDGES + 1];
+            for (int i = 0; i < CORNERS; ++i) {
+                // a star that crosses itself, a gear, a spiral, and battlements with upright edges
+                const double odd = i % 2, angle = (shape == 0 ? 84 : shape == 2 ? 4 : 1) * i / 11.7;
+                const double radius = shape == 1 ? 1 - odd / 9 : shape == 2 ? i / 73.0 : 1;
+                corners[i] = shape == 3 ? Vec{std::floor(i / 2), (i + 1) / 2 % 2 * 2.0 - 1, 0}
+                                        : radius * Vec{std::cos(angle), std::sin(angle), 0};
+                corners[i].y *= height;
+            }
+            projectOutline(corners, CORNERS, 0, 1, u, v);
+            const OutlineBins* bins = makeOutlineBins(u, v, EDGES);
+            ASSERT_EQ(bins != nullptr, height > 0 && height < 1e308) << height;
+            for (int i = 0; bins != nullptr && i < CORNERS * CORNERS; ++i) {
+                const double x = u[i / CORNERS], y = v[i % CORNERS];
+                const double border = bins->low + i % CORNERS / bins->perUnit;
+                for (const double px : {x, std::nextafter(x, -99), std::nextafter(x, 99), x * 0.9})
+                    for (const double py : {y, std::nextafter(y, 9e307), border, y * 0.7})
+                        ASSERT_EQ(outlineHolds(u, v, *bins, px, py), outlineHolds(u, v, EDGES, px, py))
+                            << px << ' ' << py;
+            }
         }
-        double u[153], v[153];
-        ASSERT_EQ(edgesOf(150), 152);
-        projectOutline(corners, 150, 0, 1, u, v);
-        const OutlineBins* bins = makeOutlineBins(v, 152);
-        ASSERT_EQ(bins != nullptr, height > 0 && height < 1e308) << height;
-        for (int i = 0; bins != nullptr && i < 150 * 150; ++i) {
-            const double px = u[i / 150] * 0.99;
-            for (const double py : {v[i % 150], std::nextafter(v[i % 150], 9e307), v[i % 150] * 0.7})
-                ASSERT_EQ(outlineHolds(u, v, *bins, px, py), outlineHolds(u, v, 152, px, py))
-                    << px << ' ' << py;
-        }
-    }
 }
 
 TEST_F(PrimitiveTest, PatchHasTheNormalOfTheHit)
