@@ -11,9 +11,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-// The first members of a node that are fetched ahead; nodes of more are rare.
-static constexpr int FETCHED = 4;
-
 // Coordinates beyond this are left to the heap.
 static constexpr double FARTHEST = 1e20;
 
@@ -21,14 +18,27 @@ static constexpr double FARTHEST = 1e20;
 // are as many pixels.
 static constexpr int FEW_PRIMITIVES = 1 << 17;
 
+// Runs of primitives that wait for their records: enough for the memory to answer meanwhile, few enough for a
+// small cache.
+static constexpr int PENDING = 32;
+
 namespace
 {
+/// Primitives that follow each other in a list and have places in one packed node. The next one is fetched.
+struct Filling {
+    const Object* primitive;
+    PackedNode* packed;
+    std::uint32_t lanes; // of the next one on, four bits each: 1 more than the lane, 0 behind the last
+};
+
 /// The work of one packRecords.
 struct Packing {
     PackedNode* nodes;
     Folded* folded;
-    size_t count = 0;       // of nodes so far
-    bool hasNumbers = true; // all bounds so far are numbers
+    size_t count = 0;           // of nodes so far
+    bool hasNumbers = true;     // all bounds so far are numbers
+    Filling pending[PENDING]{}; // taken in turns
+    size_t turn = 0;
 };
 } // namespace
 
@@ -45,11 +55,49 @@ static void packBounds(const Object* member, PackedNode* packed, int lane, Packi
     }
 }
 
+static void fetch(const Object* record)
+{
+    __builtin_prefetch(record);
+    __builtin_prefetch(&record->type);
+}
+
+/// Ends the turn of one run of primitives, whose next one is filled in. False if there was none.
+static bool fillNext(Packing* packing)
+{
+    Filling& run = packing->pending[packing->turn++ % PENDING];
+    if (run.lanes == 0)
+        return false;
+    const int lane = static_cast<int>(run.lanes & 15) - 1;
+    packBounds(run.primitive, run.packed, lane, packing);
+    run.packed->members[lane] = memberOf(run.primitive);
+    run.lanes >>= 4;
+    if (run.lanes != 0)
+        fetch(run.primitive = run.primitive->next);
+    return true;
+}
+
+/// Puts a run of primitives into the place of one that has ended.
+static void fillLater(const Filling& run, Packing* packing)
+{
+    while (packing->pending[packing->turn % PENDING].lanes != 0)
+        fillNext(packing);
+    packing->pending[packing->turn++ % PENDING] = run;
+    fetch(run.primitive);
+}
+
+static void fillAll(Packing* packing)
+{
+    for (int idle = 0; idle < PENDING;)
+        idle = fillNext(packing) ? 0 : idle + 1;
+}
+
 namespace
 {
+/// A bounding node, or a primitive that need not be looked at: number `place` of run `run`.
 struct Member {
-    const Object* object;
-    int owner; // the folded node right above it, by number, or -1
+    const Object* node; // null for a primitive
+    int owner;          // the folded node right above it, by number, or -1
+    int run, place;
 };
 
 /// What stands in one packed node: its members, and the nodes that gave up their place to theirs, with the
@@ -59,13 +107,30 @@ struct Members {
     int count = 0;
     int foldedOwners[MAX_FOLDED];
     int folded = 0;
+    const Object* runs[LANES]; // the first primitive of each
+    int runCount = 0;
 };
 } // namespace
 
+static void addPrimitives(const Object* first, int count, int owner, Members* members)
+{
+    for (int place = 0; place < count; ++place)
+        members->list[members->count++] = {nullptr, owner, members->runCount, place};
+    members->runs[members->runCount++] = first;
+}
+
 static void addMembers(const Object* node, int owner, Members* members)
 {
-    for (const Object* member = childrenOf(node).first; member != nullptr; member = member->next)
-        members->list[members->count++] = {member, owner};
+    const ChildList& children = childrenOf(node);
+    if (children.primitives == children.count) {
+        addPrimitives(children.first, children.count, owner, members);
+        return;
+    }
+    for (const Object* member = children.first; member != nullptr; member = member->next)
+        if (member->type == BOUNDING_NODE)
+            members->list[members->count++] = {.node = member, .owner = owner, .run = 0, .place = 0};
+        else
+            addPrimitives(member, 1, owner, members);
 }
 
 /// Half the surface of the bounds.
@@ -83,10 +148,10 @@ static int laneToFold(const Members& members)
     int found = -1;
     double largest = -1.0;
     for (int lane = 0; lane < members.count; ++lane) {
-        const Object* object = members.list[lane].object;
-        if (object->type != BOUNDING_NODE || members.count - 1 + childrenOf(object).count > LANES)
+        const Object* node = members.list[lane].node;
+        if (node == nullptr || members.count - 1 + childrenOf(node).count > LANES)
             continue;
-        if (const double surface = surfaceOf(object); surface > largest) {
+        if (const double surface = surfaceOf(node); surface > largest) {
             largest = surface;
             found = lane;
         }
@@ -104,14 +169,15 @@ static Members gatherMembers(const Object* node)
         const Member folded = members.list[lane];
         members.foldedOwners[members.folded] = folded.owner;
         members.list[lane] = members.list[--members.count];
-        addMembers(folded.object, members.folded++, &members);
+        addMembers(folded.node, members.folded++, &members);
     }
     std::partition(members.list, members.list + members.count,
-                   [](const Member& member) { return member.object->type != BOUNDING_NODE; });
+                   [](const Member& member) { return member.node == nullptr; });
     return members;
 }
 
-/// Packs `node`, and its subtrees behind it.
+/// Packs `node`, and its subtrees behind it. Its primitives, whose records lie anywhere in memory, are asked
+/// for and filled in later.
 static PackedMember pack(const Object* node, Packing* packing)
 {
     PackedNode* packed = packing->nodes + packing->count;
@@ -119,30 +185,21 @@ static PackedMember pack(const Object* node, Packing* packing)
     *folded = {};
     clearNode(packed);
     const Members members = gatherMembers(node);
-    // The records lie anywhere in memory: ask for the members of all lanes before going down the first, in
-    // steps along their lists, so that one is under way while the next is asked for.
-    const Object* ahead[LANES];
+    std::uint32_t lanes[LANES]{}; // of each run
     for (int lane = 0; lane < members.count; ++lane) {
-        const Object* member = members.list[lane].object;
-        ahead[lane] = member->type == BOUNDING_NODE ? childrenOf(member).first : nullptr;
-    }
-    for (int step = 0; step < FETCHED; ++step)
-        for (int lane = 0; lane < members.count; ++lane)
-            if (const Object* record = ahead[lane]; record != nullptr) {
-                if (step > 0)
-                    record = ahead[lane] = record->next;
-                if (record == nullptr)
-                    continue;
-                __builtin_prefetch(record);
-                __builtin_prefetch(&record->type);
-            }
-    for (int lane = 0; lane < members.count; ++lane) {
-        const auto [member, nearest] = members.list[lane];
-        packBounds(member, packed, lane, packing);
-        for (int owner = nearest; owner >= 0; owner = members.foldedOwners[owner])
+        const Member& member = members.list[lane];
+        for (int owner = member.owner; owner >= 0; owner = members.foldedOwners[owner])
             folded->lanes[owner] |= static_cast<std::uint8_t>(1 << lane);
-        packed->members[lane] = member->type == BOUNDING_NODE ? pack(member, packing) : memberOf(member);
+        if (member.node == nullptr)
+            lanes[member.run] |= static_cast<std::uint32_t>(lane + 1) << 4 * member.place;
     }
+    for (int run = 0; run < members.runCount; ++run)
+        fillLater({members.runs[run], packed, lanes[run]}, packing);
+    for (int lane = 0; lane < members.count; ++lane)
+        if (const Object* inner = members.list[lane].node; inner != nullptr) {
+            packBounds(inner, packed, lane, packing);
+            packed->members[lane] = pack(inner, packing);
+        }
     return memberOf(packed, members.folded);
 }
 
@@ -191,6 +248,7 @@ void packRecords()
         return;
     }
     packedRoot = pack(myObjectList, &packing);
+    fillAll(&packing);
     if (!packing.hasNumbers)
         releasePackedTree();
 }
