@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 constinit int iNumNodes = 0;
 
@@ -39,6 +40,7 @@ static constinit int total = 0;           // records in the list that the pass m
 static constinit int Axis = 0;            // result of findAxis: 0, 1 or 2
 static constinit double Median = 0.0;     // result of findAxis: a mean position
 static constinit Object** tail = nullptr; // where the pass links its next record to
+static constinit void* workspace = nullptr;
 
 static Placed* at(const Run& run, int i)
 {
@@ -204,10 +206,12 @@ void buildBoundingSlabs()
     if (total <= 1)
         return;
     const auto size = static_cast<size_t>(total);
-    auto* places = static_cast<Placed*>(calloc(size, sizeof(Placed)));
-    auto* spare = static_cast<Placed*>(calloc(size, sizeof(Placed)));
-    if (places == nullptr || spare == nullptr)
+    free(takeWorkspace());
+    workspace = calloc(size, 2 * sizeof(Placed));
+    if (workspace == nullptr)
         fatal(OUT_OF_MEMORY);
+    auto* places = static_cast<Placed*>(workspace);
+    Placed* spare = places + size;
     while (total > 1) {
         placeRecords(places, total);
         const Run all = {.first = places, .step = 1, .count = total};
@@ -216,6 +220,9 @@ void buildBoundingSlabs()
         sortAndSplit(all, spare);
         *tail = nullptr;
     }
-    free(places);
-    free(spare);
+}
+
+void* takeWorkspace()
+{
+    return std::exchange(workspace, nullptr);
 }

@@ -30,3 +30,7 @@ extern int iNumNodes; // bounding nodes of the tree
 /// Builds the tree over myObjectList: afterwards its root, or the only primitive, or null. Raises nPrims by
 /// the number of nodes. Without memory it ends the process with status 1.
 void buildBoundingSlabs();
+
+/// Hands over the memory that the last build worked in, for realloc or free, or null if there is none. The
+/// pages of a large one are at hand, which fresh ones are not.
+void* takeWorkspace();

@@ -4,7 +4,8 @@
 #include <cstdlib>
 
 constinit PackedMember packedRoot = 0;
-constinit const Folded* packedFolded = nullptr;
+constinit void* packedMemory = nullptr;
+constinit Folded* packedFolded = nullptr;
 constinit bool packedEncloses = true;
 constinit bool packedIsGrouped = false;
 constinit double packedReach = 0.0;
@@ -23,9 +24,10 @@ void clearNode(PackedNode* node)
 
 void releasePackedTree()
 {
-    free(const_cast<PackedNode*>(nodeOf(packedRoot)));
-    free(const_cast<Folded*>(packedFolded));
+    free(packedIsGrouped ? const_cast<PackedNode*>(nodeOf(packedRoot)) : packedMemory);
+    free(packedFolded);
     packedRoot = 0;
+    packedMemory = nullptr;
     packedFolded = nullptr;
     packedIsGrouped = false;
 }

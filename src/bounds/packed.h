@@ -94,8 +94,11 @@ extern bool packedIsGrouped;
 /// tree.
 extern double packedReach;
 
+/// The memory that the nodes of a copy lie in.
+extern void* packedMemory;
+
 /// What was folded into each node of a copy, in the same order.
-extern const Folded* packedFolded;
+extern Folded* packedFolded;
 
 /// Whether all bounds of a copy enclose those below them.
 extern bool packedEncloses;

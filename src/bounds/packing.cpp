@@ -224,13 +224,24 @@ static bool isWalkable()
 void packTree()
 {
     releasePackedTree();
-    if (!isWalkable())
-        return;
-    if (groupingPays() && (packedReach = std::min(originsWithRoom(), FARTHEST)) > 0.0)
-        packedRoot = groupBySurface(myObjectList);
-    packedIsGrouped = packedRoot != 0;
-    if (!packedIsGrouped)
-        packRecords();
+    if (isWalkable()) {
+        if (groupingPays() && (packedReach = std::min(originsWithRoom(), FARTHEST)) > 0.0) {
+            free(takeWorkspace());
+            packedRoot = groupBySurface(myObjectList);
+        }
+        packedIsGrouped = packedRoot != 0;
+        if (!packedIsGrouped)
+            packRecords();
+    }
+    free(takeWorkspace());
+}
+
+/// The first place for a node in a memory.
+static PackedNode* firstNode(void* memory)
+{
+    const auto address = reinterpret_cast<uintptr_t>(memory);
+    return reinterpret_cast<PackedNode*>((address + alignof(PackedNode) - 1) / alignof(PackedNode) *
+                                         alignof(PackedNode));
 }
 
 void packRecords()
@@ -239,14 +250,16 @@ void packRecords()
     packedEncloses = true;
     packedReach = FARTHEST;
     const auto count = static_cast<size_t>(iNumNodes);
-    Packing packing{
-        .nodes = static_cast<PackedNode*>(aligned_alloc(alignof(PackedNode), count * sizeof(PackedNode))),
-        .folded = static_cast<Folded*>(malloc(count * sizeof(Folded)))};
-    packedFolded = packing.folded;
-    if (packing.nodes == nullptr || packing.folded == nullptr) {
-        free(packing.nodes);
+    void* work = takeWorkspace();
+    packedMemory = realloc(work, (count + 1) * sizeof(PackedNode)); // one more, to begin at a cache line
+    if (packedMemory == nullptr)
+        free(work);
+    packedFolded = static_cast<Folded*>(malloc(count * sizeof(Folded)));
+    if (packedMemory == nullptr || packedFolded == nullptr) {
+        releasePackedTree();
         return;
     }
+    Packing packing{.nodes = firstNode(packedMemory), .folded = packedFolded};
     packedRoot = pack(myObjectList, &packing);
     fillAll(&packing);
     if (!packing.hasNumbers)
