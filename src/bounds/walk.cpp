@@ -2,7 +2,6 @@
 
 #include "bounds/packed.h"
 #include "bounds/sieve.h"
-#include "bounds/slab.h"
 #include "core/settings.h"
 #include "primitives/kinds.h"
 
