@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #if defined(__SSE2__)
 #include <immintrin.h>
 #endif
@@ -59,7 +60,7 @@
 // Well above the rounding of doubles, well below what tells two hits apart.
 static constexpr double SLACK = 1e-9;
 // More than a few roundings of a float.
-static constexpr double FLOAT_SLACK = 1e-6;
+static constexpr float FLOAT_SLACK = 1e-6F;
 // Limits of what the proof covers. A ray of a longer direction finds a sphere wider than it is, by the root
 // of what is left of the length's square: far away that soon is more than a sieve allows.
 static constexpr double MOST_INVERSE = 1e30, MOST = 1e20, OFF_UNIT = 1e-12;
@@ -82,6 +83,11 @@ static constexpr int MOMENTS = MOMENTS_IN_OCTAVE * OCTAVES;
 
 namespace
 {
+/// Where in PackedNode::planes the planes stand that a ray enters by and leaves by.
+struct Octant {
+    std::ptrdiff_t entry[3], leave[3];
+};
+
 /// A member that waits, and where the ray enters its bounds.
 struct Pending {
     float key;
@@ -104,6 +110,18 @@ struct Findings {
 };
 } // namespace
 
+/// The octants, by the signs of a direction, a bit each.
+static constexpr auto octants = [] {
+    std::array<Octant, 8> all{};
+    for (unsigned octant = 0; octant < all.size(); ++octant)
+        for (int axis = 0; axis < 3; ++axis) {
+            const bool isBackward = (octant >> axis & 1) != 0;
+            all[octant].entry[axis] = LANES * (isBackward ? axis + 3 : axis);
+            all[octant].leave[axis] = LANES * (isBackward ? axis : axis + 3);
+        }
+    return all;
+}();
+
 static inline double withSlack(double distance)
 {
     return distance + (std::abs(distance) * SLACK + SLACK);
@@ -124,6 +142,34 @@ static inline int momentOf(float key)
     return moment < 0 ? 0 : moment < MOMENTS ? moment : MOMENTS - 1;
 }
 
+using Four = float __attribute__((vector_size(16)));
+using FourInts = int __attribute__((vector_size(16)));
+
+static constexpr int SIGN = std::numeric_limits<int>::min();
+
+/// The coordinates of a vector, and `fourth`.
+static inline Four floatsOf(const Vec& v, float fourth)
+{
+    return Four{static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z), fourth};
+}
+
+static inline Four magnitudeOf(Four v)
+{
+    return reinterpret_cast<Four>(reinterpret_cast<FourInts>(v) & ~SIGN);
+}
+
+/// The signs of four numbers, or a mask, a bit each.
+static inline unsigned bitsOf(FourInts mask)
+{
+#if defined(__SSE2__)
+    return static_cast<unsigned>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
+#elif defined(__wasm_simd128__)
+    return __builtin_wasm_bitmask_i32x4(mask);
+#else
+    return static_cast<unsigned>((mask[0] & 1) | (mask[1] & 2) | (mask[2] & 4) | (mask[3] & 8));
+#endif
+}
+
 namespace halves
 {
 // Two vectors of four floats; one for a number that all lanes share.
@@ -132,9 +178,9 @@ struct Lanes {
     Shared low, high;
 };
 
-static inline Shared share(double value)
+static inline Shared share(float value)
 {
-    return Shared{} + static_cast<float>(value);
+    return Shared{value, value, value, value};
 }
 
 static inline Lanes distances(const float* planes, Shared origin, Shared inverse)
@@ -184,22 +230,10 @@ static inline Lanes load(const float* list)
     return {halves[0], halves[1]};
 }
 
-static inline int notAbove(Shared a, Shared b)
-{
-    const auto mask = a <= b;
-#if defined(__SSE2__)
-    return _mm_movemask_ps(reinterpret_cast<__m128>(mask));
-#elif defined(__wasm_simd128__)
-    return static_cast<int>(__builtin_wasm_bitmask_i32x4(mask));
-#else
-    return (mask[0] & 1) | (mask[1] & 2) | (mask[2] & 4) | (mask[3] & 8);
-#endif
-}
-
 /// Which lanes of `a` are not above those of `b`, a bit each.
-static inline int notAbove(const Lanes& a, const Lanes& b)
+static inline unsigned notAbove(const Lanes& a, const Lanes& b)
 {
-    return notAbove(a.low, b.low) | notAbove(a.high, b.high) << 4;
+    return bitsOf(a.low <= b.low) | bitsOf(a.high <= b.high) << 4;
 }
 
 static inline Lanes all(Shared value)
@@ -230,9 +264,9 @@ namespace wide
 using Shared = __m256;
 using Lanes = __m256;
 
-static inline Shared share(double value)
+static inline Shared share(float value)
 {
-    return _mm256_set1_ps(static_cast<float>(value));
+    return _mm256_set1_ps(value);
 }
 
 static inline Lanes distances(const float* planes, Shared origin, Shared inverse)
@@ -255,9 +289,9 @@ static inline Lanes lesser(Lanes a, Lanes b)
     return _mm256_min_ps(a, b);
 }
 
-static inline int notAbove(Lanes a, Lanes b)
+static inline unsigned notAbove(Lanes a, Lanes b)
 {
-    return _mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_LE_OQ));
+    return static_cast<unsigned>(_mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_LE_OQ)));
 }
 
 static inline Lanes all(Shared value)
