@@ -43,8 +43,10 @@
 //
 // In a grouped tree the nodes are others than the heap's. (1) and (2) prove what they did, for they speak of
 // objects and of the heap's own bounds; a sieve leaves out what the ray misses, and what it hits behind the
-// best hit by more than the slack, which changes nothing. (3) is not needed: such a tree is built where no
-// ray that starts within `packedReach` can fill the queue.
+// best hit by more than the slack, which changes nothing. Where a shadow ray meets a primitive well within,
+// by more than the slack of a sieve, nothing more is asked: the exact test finds that hit, and the slab test
+// lets it pass, since the bounds hold its place, and reach as much around it but along one axis. (3) is not
+// needed: such a tree is built where no ray that starts within `packedReach` can fill the queue.
 //
 // The slab test here runs on eight members at a time, in floats, which lets twice as many nodes into a cache.
 // Its errors go one way: it lets through whatever the heap would let through, with a key that is not above
@@ -67,6 +69,10 @@ static constexpr double MOST_INVERSE = 1e30, MOST = 1e20, OFF_UNIT = 1e-12;
 // Some thirty roundings of a float, where a sieve has half as many; and how far from the middle of the world
 // its products stay floats.
 static constexpr float SIEVE_SLACK = 2e-6F, MOST_SIFTED = 1e9F;
+// What a sieve is sure of is this far away, before this part of the limit, and as steep by this part of the
+// square of the longest edge.
+static constexpr float SURELY_AWAY = 1.01F * static_cast<float>(EPSILON);
+static constexpr float SURELY_BEFORE = 0.99F, SURELY_STEEP = 0.01F;
 
 // What opening a node may add to the heap, by its passing members: their number less one, or nothing.
 static constexpr auto gainOf = [] {

@@ -207,6 +207,13 @@ TEST_F(IntersectTest, AllWaysAgree)
                 const Ray shadowRay = {start, unit(toLight)}; // as from a hit, which does not block it
                 const double distance = lengthOf(toLight);    // where it is vast, its rounding alone can miss
                 compareWays(shadowRay, distance, hit.object, kind.isEnclosed && distance < 1e6);
+                if (hit.object != nullptr) { // back from near by, or almost along the surface
+                    const Vec normal = ObjectNormal(hit.object, start, &hit);
+                    const Vec lean = in(0, below(2) == 0 ? 2 : 2 * EPSILON) * normal;
+                    const Vec out = unit(unit(cross(normal, point(1))) + lean);
+                    compareWays({start + in(0, below(2) == 0 ? 4 : 2 * EPSILON) * out, -out}, 9, nullptr,
+                                false);
+                }
             }
             releasePackedTree();
         }
