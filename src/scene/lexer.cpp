@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -131,15 +132,17 @@ void resetLexer()
     held = EOF;
 }
 
-/// Collects `c` and what follows it of the given class into chaine, holds the first other character back and
-/// returns the end of the text.
-static const char* collect(FILE* stream, int c, int flags)
+/// Collects `c` and what follows it of the given class into chaine, shows each to `see`, holds the first
+/// other character back and returns the end of the text.
+template <class See>
+static const char* collect(FILE* stream, int c, int flags, See see)
 {
     char* end = chaine;
     do {
         if (end == chaine + TOKEN_SIZE - 1)
             yyerror(" token too long");
         *end++ = static_cast<char>(c);
+        see(c);
         c = get(stream);
     } while (is(c, flags));
     heldOf = stream;
@@ -165,40 +168,51 @@ static Number convert(const char* end, Fallback fallback)
     return fallback();
 }
 
-/// Most decimals are a few digits with a point. Up to 15 digits and their power of ten are whole numbers that
-/// a double holds, so that one division rounds as the exact conversion does (Clinger, How to read floating
-/// point numbers accurately, 1990). False for any other text.
-static bool convertShort(const char* end, double* value)
+namespace
 {
-    static constexpr int MAX_DIGITS = 15;
-    static constexpr double powers[MAX_DIGITS + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const bool negative = *chaine == '-';
-    const char* decimals = nullptr; // behind the point
-    std::int64_t digits = 0;
-    ptrdiff_t count = end - chaine - (negative ? 1 : 0);
-    if (count > MAX_DIGITS + 1)
-        return false;
-    for (const char* at = end - count; at != end; ++at) {
-        if (*at >= '0' && *at <= '9') {
-            digits = 10 * digits + (*at - '0');
-        } else if (*at == '.' && decimals == nullptr) {
-            decimals = at + 1;
-            --count;
+/// Most decimals are a few digits with a point, whose value is known as soon as they are read.
+struct ShortDecimal {
+    std::uint64_t digits = 0;
+    int count = 0;  // of digits
+    int whole = -1; // of them in front of the point, or -1 without one
+    int minus = 0;  // 1 behind a minus in front of all
+    bool isShort = true;
+
+    void see(int c)
+    {
+        if (const int digit = c - '0'; digit >= 0 && digit <= 9) {
+            digits = 10 * digits + static_cast<std::uint64_t>(digit);
+            ++count;
+        } else if (c == '.' && whole < 0) {
+            whole = count;
         } else {
-            return false;
+            isShort = isShort && c == '-' && count == 0 && whole < 0 && minus == 0;
+            minus = 1;
         }
     }
-    if (count == 0 || count > MAX_DIGITS)
-        return false;
-    const double number = static_cast<double>(digits) / powers[decimals != nullptr ? end - decimals : 0];
-    *value = negative ? -number : number;
-    return true;
-}
 
-static void convertNumber(const char* end)
+    /// Up to 15 digits and their power of ten are whole numbers that a double holds, so that one division
+    /// rounds as the exact conversion does (Clinger, How to read floating point numbers accurately, 1990).
+    /// False for any other text.
+    bool convert(double* value) const
+    {
+        static constexpr double powers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                            1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+        if (!isShort || count == 0 || count >= static_cast<int>(std::size(powers)))
+            return false;
+        // Half of all coordinates are negative: a product does not have to guess which.
+        *value = (1 - 2 * minus) * (static_cast<double>(digits) / powers[whole < 0 ? 0 : count - whole]);
+        return true;
+    }
+};
+} // namespace
+
+/// Reads the number that begins with `c`.
+static void readNumber(FILE* stream, int c)
 {
-    if (type_motcle == MODE_DECIMAL && convertShort(end, &val_DBL))
+    ShortDecimal number;
+    const char* end = collect(stream, c, IN_NUMBER, [&number](int each) { number.see(each); });
+    if (type_motcle == MODE_DECIMAL && number.convert(&val_DBL))
         return;
     if (type_motcle == MODE_DECIMAL)
         val_DBL = convert<double>(end, [] { return strtod(chaine, nullptr); });
@@ -237,11 +251,11 @@ int Lire_MotCle(FILE* stream)
     if (marks[static_cast<size_t>(c)] != 0)
         return mot_cle = marks[static_cast<size_t>(c)];
     if (is(c, LETTER)) {
-        collect(stream, c, IN_WORD);
+        collect(stream, c, IN_WORD, [](int) {});
         return mot_cle = Trouve_MotCle();
     }
     if (is(c, STARTS_NUMBER)) {
-        convertNumber(collect(stream, c, IN_NUMBER));
+        readNumber(stream, c);
         return mot_cle = TOKEN_NUMBER;
     }
     printf("\n Syntaxic analyser stopped on character: '%c'", c);

@@ -35,7 +35,8 @@ TEST_F(LexerTest, Tokens)
 TEST_F(LexerTest, NumbersAreWhatTheLibraryMakesOfThem)
 {
     std::istringstream words("1e3 2.9 1-2 +.5 -7.5 - + . -- +-1 -+1 ++1 +3 1.2.3 "
-                             "1e 1e+ 5e-1.5 .e1 007 0.1 1e-320 "
+                             "1e 1e+ 5e-1.5 .e1 007 0.1 1e-320 .-5 --5 1.-5 "
+                             "123456789.012345 -1234567890.123456 123456789012345678901 "
                              "1e-999 1e999 -1e999 4294967297 "
                              "99999999999999999999 -99999999999999999999");
     for (std::string word; words >> word;) {
