@@ -25,10 +25,15 @@ Vec ObjectNormal(const Object* self, Vec point, const Hit* hit)
 
 void fillHit(const Object* self, const Ray* ray, double distance, Hit* hit)
 {
-    if (self->type == SPHERE || self->type == PATCH) // whose hits tell more
-        ObjectIntersect(self, ray, hit);
-    else
-        *hit = {.distance = distance, .entering = self->type != CONE, .object = self, .hitNormal = {}};
+    *hit = {.distance = distance, .entering = self->type != CONE, .object = self, .hitNormal = {}};
+    if (self->type == SPHERE) {
+        hit->entering = sphereEntered(recordOf<Sphere>(self), ray->origin);
+    } else if (self->type == PATCH) {
+        const Patch& patch = recordOf<Patch>(self);
+        double u, v;
+        patchWeights(patch, *ray, distance, &u, &v);
+        hit->hitNormal = patchHitNormal(patch, u, v);
+    }
 }
 
 void ObjectPrint(const Object* self)

@@ -31,11 +31,7 @@ static int patchIntersect(const Object* self, const Ray* ray, Hit* hit)
     double t, u, v;
     if (!patchReach(patch, *ray, &t, &u, &v))
         return 0;
-    const double w = 1.0 - u - v;
-    *hit = {.distance = t,
-            .entering = 1,
-            .object = self,
-            .hitNormal = w * patch.normals[0] + u * patch.normals[1] + v * patch.normals[2]};
+    *hit = {.distance = t, .entering = 1, .object = self, .hitNormal = patchHitNormal(patch, u, v)};
     return 1;
 }
 

@@ -26,6 +26,21 @@ void invertMatrix(const Vec* m, Vec* out);
 /// of length 0 is replaced by that of the face. A patch of no area is allowed and never hit.
 Object* makePatch(Vec* array);
 
+/// The weights of corners 1 and 2 at the parameter `t` of `ray`.
+static inline void patchWeights(const Patch& patch, const Ray& ray, double t, double* u, double* v)
+{
+    const Vec q = ray.origin + t * ray.direction - patch.corner;
+    *u = dot(patch.inverse[0], q);
+    *v = dot(patch.inverse[1], q);
+}
+
+/// The normal between those of the corners, not yet unit.
+static inline Vec patchHitNormal(const Patch& patch, double u, double v)
+{
+    const double w = 1.0 - u - v;
+    return w * patch.normals[0] + u * patch.normals[1] + v * patch.normals[2];
+}
+
 /// The distance at which `ray` meets the patch, in `*t`, and there the weights of corners 1 and 2, in `*u`
 /// and `*v`. EPSILON itself is steep enough, and far enough; edges and corners belong to the patch. False on
 /// a miss, and for non-numbers.
@@ -38,9 +53,7 @@ static inline bool patchReach(const Patch& patch, const Ray& ray, double* t, dou
     *t = dot(patch.corner - ray.origin, normal) / den;
     if (!(*t >= EPSILON))
         return false;
-    const Vec q = ray.origin + *t * ray.direction - patch.corner;
-    *u = dot(patch.inverse[0], q);
-    *v = dot(patch.inverse[1], q);
+    patchWeights(patch, ray, *t, u, v);
     // One jump for the three: which of them fails is anybody's guess.
     return (static_cast<int>(*u >= 0.0) & static_cast<int>(*v >= 0.0) & static_cast<int>(*u + *v <= 1.0)) !=
            0;

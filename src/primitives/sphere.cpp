@@ -8,12 +8,7 @@ static int sphereIntersect(const Object* self, const Ray* ray, Hit* hit)
     double t;
     if (!sphereReach(sphere, *ray, &t))
         return 0;
-    // Where the ray starts decides, with a margin, and not which of the two roots was taken.
-    const Vec l = sphere.center - ray->origin;
-    *hit = {.distance = t,
-            .entering = dot(l, l) > sphere.radius * sphere.radius + EPSILON,
-            .object = self,
-            .hitNormal = {}};
+    *hit = {.distance = t, .entering = sphereEntered(sphere, ray->origin), .object = self, .hitNormal = {}};
     return 1;
 }
 

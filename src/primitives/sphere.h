@@ -28,3 +28,11 @@ static inline bool sphereReach(const Sphere& sphere, const Ray& ray, double* t)
         *t = tca + s;
     return *t >= EPSILON;
 }
+
+/// Whether a ray from `origin` enters the sphere where it meets it: where it starts decides, with a margin,
+/// and not which of the two roots was taken.
+static inline bool sphereEntered(const Sphere& sphere, Vec origin)
+{
+    const Vec l = sphere.center - origin;
+    return dot(l, l) > sphere.radius * sphere.radius + EPSILON;
+}
