@@ -3,16 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 
-/// Points away from the axis; on a cone it is tilted, to stand square on the wall.
-static Vec coneNormal(const Object* self, Vec point, const Hit*)
-{
-    const Cone& cone = recordOf<Cone>(self);
-    const double d = -(dot(cone.axis, point) + cone.axisOffset);
-    const Vec inBasePlane = point + d * cone.axis;
-    const Vec radial = unit(inBasePlane - cone.base);
-    return unit(radial - cone.slope * cone.axis);
-}
-
 static void conePrint(const Object* self)
 {
     const Cone& c = recordOf<Cone>(self);
@@ -23,7 +13,7 @@ static void conePrint(const Object* self)
 // not entered, from either side
 constexpr auto coneIntersect = evenIntersect<Cone, coneReach, 0>;
 
-constinit const Operations coneOperations = {coneIntersect, coneNormal, conePrint};
+constinit const Operations coneOperations = {coneIntersect, conePrint};
 
 /// Fills the right-angled frame around the axis.
 static void makeFrame(Cone* cone)

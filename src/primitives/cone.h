@@ -66,3 +66,12 @@ static inline bool coneReach(const Cone& cone, const Ray& ray, double* t)
     *t = (a > 0.0 ? s - b : -b - s) / (2 * a);
     return coneHolds(cone, ray, *t);
 }
+
+/// Points away from the axis; on a cone it is tilted, to stand square on the wall.
+static inline Vec coneNormal(const Cone& cone, Vec point)
+{
+    const double d = -(dot(cone.axis, point) + cone.axisOffset);
+    const Vec inBasePlane = point + d * cone.axis;
+    const Vec radial = unit(inBasePlane - cone.base);
+    return unit(radial - cone.slope * cone.axis);
+}

@@ -9,7 +9,7 @@
 #include "primitives/triangle.h"
 
 // The choice among the kinds of primitive. A new kind has its rows here, in the switch, and in the source, in
-// the table and where its hits tell more than a distance.
+// the table, in the switch of the normals, and where its hits tell more than a distance.
 
 /// Tests a primitive: 1 and a filled hit, or 0; the hit is then not to be read.
 int ObjectIntersect(const Object* self, const Ray* ray, Hit* hit);

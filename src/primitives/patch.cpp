@@ -35,17 +35,12 @@ static int patchIntersect(const Object* self, const Ray* ray, Hit* hit)
     return 1;
 }
 
-static Vec patchNormal(const Object*, Vec, const Hit* hit)
-{
-    return unit(hit->hitNormal);
-}
-
 static void patchPrint(const Object*)
 {
     printf("patch\n");
 }
 
-constinit const Operations patchOperations = {patchIntersect, patchNormal, patchPrint};
+constinit const Operations patchOperations = {patchIntersect, patchPrint};
 
 Object* makePatch(Vec* array)
 {

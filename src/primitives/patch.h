@@ -41,6 +41,12 @@ static inline Vec patchHitNormal(const Patch& patch, double u, double v)
     return w * patch.normals[0] + u * patch.normals[1] + v * patch.normals[2];
 }
 
+/// The same, unit.
+static inline Vec patchNormal(const Hit& hit)
+{
+    return unit(hit.hitNormal);
+}
+
 /// The distance at which `ray` meets the patch, in `*t`, and there the weights of corners 1 and 2, in `*u`
 /// and `*v`. EPSILON itself is steep enough, and far enough; edges and corners belong to the patch. False on
 /// a miss, and for non-numbers.

@@ -9,9 +9,8 @@ static void planePrint(const Object* self)
 }
 
 constexpr auto planeIntersect = evenIntersect<Plane, planeReach>;
-constexpr auto planeNormal = flatNormal<Plane>;
 
-constinit const Operations planeOperations = {planeIntersect, planeNormal, planePrint};
+constinit const Operations planeOperations = {planeIntersect, planePrint};
 
 Object* makePlane(Vec normal, double distance)
 {

@@ -9,9 +9,8 @@ static void polygonPrint(const Object*)
 }
 
 constexpr auto polygonIntersect = evenIntersect<Polygon, polygonReach>;
-constexpr auto polygonNormal = flatNormal<Polygon>;
 
-constinit const Operations polygonOperations = {polygonIntersect, polygonNormal, polygonPrint};
+constinit const Operations polygonOperations = {polygonIntersect, polygonPrint};
 
 [[gnu::noinline]] bool longOutlineHolds(const Polygon& polygon, double px, double py)
 {

@@ -11,7 +11,6 @@
 /// What a kind of primitive does; `primitives/kinds.h` calls it by the type of the record.
 struct Operations {
     int (*intersect)(const Object* self, const Ray* ray, Hit* hit);
-    Vec (*normal)(const Object* self, Vec point, const Hit* hit);
     void (*print)(const Object* self);
 };
 
@@ -43,10 +42,4 @@ static int evenIntersect(const Object* self, const Ray* ray, Hit* hit)
         return 0;
     *hit = {.distance = t, .entering = entering, .object = self, .hitNormal = {}};
     return 1;
-}
-
-template <class Flat>
-static Vec flatNormal(const Object* self, Vec, const Hit*)
-{
-    return recordOf<Flat>(self).normal;
 }

@@ -10,9 +10,8 @@ static void ringPrint(const Object* self)
 }
 
 constexpr auto ringIntersect = evenIntersect<Ring, ringReach>;
-constexpr auto ringNormal = flatNormal<Ring>;
 
-constinit const Operations ringOperations = {ringIntersect, ringNormal, ringPrint};
+constinit const Operations ringOperations = {ringIntersect, ringPrint};
 
 Object* makeRing(Vec center, Vec normal, double innerRadius, double outerRadius)
 {

@@ -12,18 +12,13 @@ static int sphereIntersect(const Object* self, const Ray* ray, Hit* hit)
     return 1;
 }
 
-static Vec sphereNormal(const Object* self, Vec point, const Hit*)
-{
-    return unit(point - recordOf<Sphere>(self).center);
-}
-
 static void spherePrint(const Object* self)
 {
     const Sphere& s = recordOf<Sphere>(self);
     printf("Sphere: Cx = %g, Cy = %g, Cz = %g, R = %g\n", s.center.x, s.center.y, s.center.z, s.radius);
 }
 
-constinit const Operations sphereOperations = {sphereIntersect, sphereNormal, spherePrint};
+constinit const Operations sphereOperations = {sphereIntersect, spherePrint};
 
 Object* makeSphere(Vec center, double radius)
 {

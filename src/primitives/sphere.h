@@ -36,3 +36,9 @@ static inline bool sphereEntered(const Sphere& sphere, Vec origin)
     const Vec l = sphere.center - origin;
     return dot(l, l) > sphere.radius * sphere.radius + EPSILON;
 }
+
+/// Points outwards.
+static inline Vec sphereNormal(const Sphere& sphere, Vec point)
+{
+    return unit(point - sphere.center);
+}

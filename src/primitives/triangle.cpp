@@ -8,9 +8,8 @@ static void trianglePrint(const Object*)
 }
 
 constexpr auto triangleIntersect = evenIntersect<Triangle, triangleReach>;
-constexpr auto triangleNormal = flatNormal<Triangle>;
 
-constinit const Operations triangleOperations = {triangleIntersect, triangleNormal, trianglePrint};
+constinit const Operations triangleOperations = {triangleIntersect, trianglePrint};
 
 Object* makeTriangle(const Vec* vertices)
 {
