@@ -64,14 +64,13 @@ static void attenuate(const Light& light, double distance, Color* lit)
         *lit = attenuationFactor(light.attenuation, distance) * *lit;
 }
 
-/// What one light adds to `color`. `mirror` is read only by a surface with a highlight.
-static void addLight(const Object* lamp, const Object* object, Vec normal, Vec mirror, Vec point,
-                     Color* color)
+/// What one light, `distance` away along `ray`, adds to `color`. `mirror` is read only by a surface with a
+/// highlight.
+static void addLight(const Object* lamp, const Object* object, Vec normal, Vec mirror, const Ray& ray,
+                     double distance, Color* color)
 {
     const Light& light = recordOf<Light>(lamp);
     const SurfaceAttrib& s = *object->surface;
-    Ray ray;
-    const double distance = makeLightRay(lamp, point, &ray);
     double spot;
     if (distance == 0.0 || !spotFactor(light, ray.direction, &spot))
         return;
@@ -99,6 +98,25 @@ static void addLight(const Object* lamp, const Object* object, Vec normal, Vec m
     // attenuated.
     if (isHighlight)
         *color = *color + std::pow(highlight, s.roughness) * s.specular * lit;
+}
+
+/// Adds what all lights give. The ray to the next one is made ahead of the walk along the current one, so
+/// that its root and quotients are done by the time that they are needed.
+static void addLights(const Object* object, Vec normal, Vec mirror, Vec point, Color* color)
+{
+    Ray next{};
+    double nextDistance = 0.0;
+    const auto makeNext = [&](const Object* lamp) {
+        if (lamp != nullptr)
+            nextDistance = makeLightRay(lamp, point, &next);
+    };
+    makeNext(myLightList);
+    for (const Object* lamp = myLightList; lamp != nullptr; lamp = lamp->next) {
+        const Ray ray = next;
+        const double distance = nextDistance;
+        makeNext(lamp->next);
+        addLight(lamp, object, normal, mirror, ray, distance, color);
+    }
 }
 
 /// The colour seen along the mirror ray, or around it.
@@ -149,8 +167,7 @@ void shade(const Object* object, const Ray* ray, Vec normal, Vec point, Color* c
         mirror.direction = mirrorDirection(ray->direction, normal);
 
     *color = s.ambient * s.color;
-    for (const Object* light = myLightList; light != nullptr; light = light->next)
-        addLight(light, object, normal, mirror.direction, point, color);
+    addLights(object, normal, mirror.direction, point, color);
 
     ++*level;
     if (s.reflection > 0.0)
