@@ -100,8 +100,7 @@ double trace(const Ray* ray, Color* color, int* level)
     }
     const Vec point = ray->origin + hit.distance * ray->direction;
     Vec normal = ObjectNormal(hit.object, point, &hit);
-    if (dot(normal, ray->direction) > 0.0)
-        normal = -normal;
+    normal = (dot(normal, ray->direction) > 0.0 ? -1.0 : 1.0) * normal; // no jump: it is anybody's guess
     shade(hit.object, ray, normal, point, color, level, &hit);
     *color = limited(*color);
     return hit.distance;
