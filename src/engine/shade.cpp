@@ -64,6 +64,12 @@ static void attenuate(const Light& light, double distance, Color* lit)
         *lit = attenuationFactor(light.attenuation, distance) * *lit;
 }
 
+/// Whether a highlight of this cosine is black where its light is: its weight is a number, and no infinity.
+static bool isOrdinary(const SurfaceAttrib& s, double highlight)
+{
+    return highlight <= 1.0 && s.roughness >= 0.0 && s.specular < NO_LIMIT;
+}
+
 /// What one light, `distance` away along `ray`, adds to `color`. `mirror` is read only by a surface with a
 /// highlight.
 static void addLight(const Object* lamp, const Object* object, Vec normal, Vec mirror, const Ray& ray,
@@ -96,7 +102,8 @@ static void addLight(const Object* lamp, const Object* object, Vec normal, Vec m
     }
     // A highlight has the colour of the light as the diffuse term left it: where there is none, not
     // attenuated.
-    if (isHighlight)
+    const bool isBlack = lit.red == 0.0 && lit.green == 0.0 && lit.blue == 0.0; // as in most shadows
+    if (isHighlight && !(isBlack && isOrdinary(s, highlight)))
         *color = *color + std::pow(highlight, s.roughness) * s.specular * lit;
 }
 

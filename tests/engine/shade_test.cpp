@@ -65,6 +65,9 @@ static const struct {
     {"outside of the spot", [] { tilt(0.61, SMOOTH_SHADOW); }, {0, 0, 0}},
     {"inside of the spot", [] { lamp.lightType = SPOT_LIGHT; }, {1, 0.5, 0.25}},
     {"highlight", [] { skin = {.specular = 0.5, .roughness = 2}, lamp.attenuation = 1; }, {0.32, 0.32, 0.32}},
+    {"endless highlight of a black light",
+     [] { skin = {.specular = 0.5, .roughness = -4000}, lamp.color = {}; },
+     {NAN, NAN, NAN}},
     {"highlight of a tangent ray", // goes on to the light beyond
      [] {
          skin.specular = 0.5, normal = {0.8, 0, 0.6}, lamp.position = {1.2, 0, -1.6};
@@ -100,7 +103,10 @@ TEST_F(ShadeTest, OnePointUnderOneLight)
         Color color;
         int level = 0;
         EXPECT_EQ(drawsOf([&] { shade(&object, &ray, normal, {0, 0, 0}, &color, &level, &hit); }), c.draws);
-        expectColor(color, c.expected);
+        if (std::isnan(c.expected.red))
+            EXPECT_TRUE(std::isnan(color.red));
+        else
+            expectColor(color, c.expected);
         EXPECT_EQ(level, 0);
     }
 }
