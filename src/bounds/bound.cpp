@@ -1,6 +1,7 @@
 #include "bounds/bound.h"
 
 #include "core/fatal.h"
+#include "core/records.h"
 #include "core/settings.h"
 
 #include <cassert>
@@ -119,7 +120,7 @@ static void link(Object* record)
 /// Makes a node around the records of `run`.
 static void wrap(const Run& run)
 {
-    auto* node = static_cast<BoundingNode*>(calloc(1, sizeof(BoundingNode)));
+    auto* node = static_cast<BoundingNode*>(newRecord(sizeof(BoundingNode)));
     if (node == nullptr)
         fatal(OUT_OF_MEMORY);
     Object& head = node->head;

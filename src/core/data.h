@@ -71,7 +71,7 @@ void addToList(Node** head, Node* node)
 }
 
 /// Frees the records along their `next` links, leaves the head null and returns how many there were. What a
-/// record points to besides, the members of bounding nodes too, stays until the process ends.
+/// record points to besides stays until the process ends, as all of newRecord does.
 template <class Node>
 int freeList(Node** head)
 {

@@ -51,6 +51,6 @@ void doTrace()
     printf("\n\n Rendering time: %4.2f second(s)\n", static_cast<double>(clock() - start) / 1000000.0);
 
     closeImage();
-    freeList(&myObjectList);
+    myObjectList = nullptr;
     freeList(&myLightList);
 }

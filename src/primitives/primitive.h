@@ -1,8 +1,7 @@
 #pragma once
 
 #include "core/data.h"
-
-#include <cstdlib>
+#include "core/records.h"
 
 // What all kinds of primitive share. A constructor takes a record with newPrimitive, fills its tail and its
 // bounds and ends with listPrimitive. It returns the record, which myObjectList owns, or null without memory;
@@ -18,7 +17,7 @@ struct Operations {
 template <class Record>
 static inline Record* newPrimitive(ObjectType type, size_t more = 0)
 {
-    auto* self = static_cast<Record*>(calloc(1, sizeof(Record) + more));
+    auto* self = static_cast<Record*>(newRecord(sizeof(Record) + more));
     if (self != nullptr)
         self->head.type = type;
     return self;
