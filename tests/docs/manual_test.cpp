@@ -193,7 +193,10 @@ TEST(Manual, MessagesAreThoseOfTheProgram)
     for (const std::string& message : printed)
         if (std::ranges::none_of(documented, [&](const std::string& end) { return message.ends_with(end); }))
             differing.insert(message);
-    // These two are faults of the program itself, which the compiler or a build without checks leaves out.
-    EXPECT_EQ(differing, Names({"Priority queue is empty, dying...", "The walk and the heap disagree"}));
+    // These two are faults of the program itself, which a compiler may or a build without checks does leave
+    // out.
+    differing.erase("Priority queue is empty, dying...");
+    differing.erase("The walk and the heap disagree");
+    EXPECT_EQ(differing, Names());
 #endif
 }
