@@ -25,13 +25,13 @@ Vec ObjectNormal(const Object* self, Vec point, const Hit* hit)
     case SPHERE:
         return sphereNormal(recordOf<Sphere>(self), point);
     case PLANE:
-        return recordOf<Plane>(self).normal;
+        return planeNormal(recordOf<Plane>(self));
     case RING:
-        return recordOf<Ring>(self).normal;
+        return ringNormal(recordOf<Ring>(self));
     case TRIANGLE:
-        return recordOf<Triangle>(self).normal;
+        return triangleNormal(recordOf<Triangle>(self));
     case POLYGON:
-        return recordOf<Polygon>(self).normal;
+        return polygonNormal(recordOf<Polygon>(self));
     case CONE:
         return coneNormal(recordOf<Cone>(self), point);
     default:

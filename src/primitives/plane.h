@@ -8,6 +8,7 @@ struct Plane {
     double offset; // the points p with normal . p + offset = 0
 };
 
+constexpr auto planeNormal = flatNormal<Plane>;
 extern const Operations planeOperations;
 
 /// Makes the plane of the points p with n . p = `distance`, where n is `normal` made unit; the distance is

@@ -13,6 +13,7 @@ struct Polygon {
     // Behind the record stand the u and v of the outline, edges + 1 of each.
 };
 
+constexpr auto polygonNormal = flatNormal<Polygon>;
 extern const Operations polygonOperations;
 
 /// Makes a polygon, seen from both sides, from `count` vertices, at least 3. The outline may be concave and

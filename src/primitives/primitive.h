@@ -32,6 +32,13 @@ void boundCircle(Vec center, Vec axis, double radius, double low[3], double high
 /// Puts the finished record onto myObjectList, counts it in nPrims and returns it.
 Object* listPrimitive(Object* self);
 
+/// The normal of a record that is flat, the same at all points.
+template <class Record>
+static inline Vec flatNormal(const Record& record)
+{
+    return record.normal;
+}
+
 /// The intersection test of a record whose hits are alike from both sides: a flat one is always entered.
 template <class Record, bool (*reach)(const Record& record, const Ray& ray, double* t), int entering = 1>
 static int evenIntersect(const Object* self, const Ray* ray, Hit* hit)

@@ -12,6 +12,7 @@ struct Ring {
     double outerSquared;
 };
 
+constexpr auto ringNormal = flatNormal<Ring>;
 extern const Operations ringOperations;
 
 /// Makes a flat ring, seen from both sides; both circles belong to it, and an inner radius of 0 makes a disc.

@@ -13,6 +13,7 @@ struct Triangle {
                        // last u
 };
 
+constexpr auto triangleNormal = flatNormal<Triangle>;
 extern const Operations triangleOperations;
 
 /// Makes a triangle, seen from both sides, from 3 vertices. Corners in one line are allowed; such a triangle
