@@ -89,7 +89,7 @@ static constexpr int MOMENTS = MOMENTS_IN_OCTAVE * OCTAVES;
 
 namespace
 {
-/// Where in PackedNode::planes the planes stand that a ray enters by and leaves by.
+/// Where in a node the planes stand that a ray enters by and leaves by, in floats.
 struct Octant {
     std::ptrdiff_t entry[3], leave[3];
 };
@@ -127,6 +127,12 @@ static constexpr auto octants = [] {
         }
     return all;
 }();
+
+static inline const float* planesAt(const PackedNode& node, std::ptrdiff_t place)
+{
+    static_assert(offsetof(PackedNode, planes) == 0);
+    return reinterpret_cast<const float*>(&node) + place;
+}
 
 static inline double withSlack(double distance)
 {
