@@ -178,7 +178,8 @@ static inline unsigned bitsOf(FourInts mask)
 #elif defined(__wasm_simd128__)
     return __builtin_wasm_bitmask_i32x4(mask);
 #else
-    return static_cast<unsigned>((mask[0] & 1) | (mask[1] & 2) | (mask[2] & 4) | (mask[3] & 8));
+    return static_cast<unsigned>((mask[0] < 0) | (mask[1] < 0) << 1 | (mask[2] < 0) << 2 |
+                                 (mask[3] < 0) << 3);
 #endif
 }
 
