@@ -250,12 +250,13 @@ void packRecords()
     packedEncloses = true;
     packedReach = FARTHEST;
     const auto count = static_cast<size_t>(iNumNodes);
-    void* work = takeWorkspace();
-    packedMemory = realloc(work, (count + 1) * sizeof(PackedNode)); // one more, to begin at a cache line
-    if (packedMemory == nullptr)
-        free(work);
+    packedMemory = takeWorkspace();
+    void* grown =
+        realloc(packedMemory, (count + 1) * sizeof(PackedNode)); // one more, to begin at a cache line
+    if (grown != nullptr)
+        packedMemory = grown;
     packedFolded = static_cast<Folded*>(malloc(count * sizeof(Folded)));
-    if (packedMemory == nullptr || packedFolded == nullptr) {
+    if (grown == nullptr || packedFolded == nullptr) {
         releasePackedTree();
         return;
     }
