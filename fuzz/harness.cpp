@@ -225,6 +225,7 @@ void runWith(std::span<const File> files, void (*body)())
     if (setjmp(beforeRun) == 0)
         body();
     releasePackedTree();
+    free(takeWorkspace());
     // A run that ended amid a model has left an index and records behind. A whole model of nothing ends the
     // one, and one that is not found the others.
     static constexpr File NOTHING[] = {{"nothing.3ds", {"MM\6\0\0\0", 6}},

@@ -59,3 +59,10 @@ void* newRecord(size_t size)
     left -= size;
     return std::exchange(unused, unused + size);
 }
+
+void resetRecords()
+{
+    unused = nullptr;
+    left = 0;
+    blocks = 0;
+}

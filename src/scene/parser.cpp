@@ -1,5 +1,6 @@
 #include "scene/parser.h"
 
+#include "core/records.h"
 #include "core/settings.h"
 #include "scene/colors.h"
 #include "scene/current.h"
@@ -35,6 +36,7 @@ static constexpr struct {
 void resetScene()
 {
     setStartValues();
+    resetRecords();
     freeColorList(&myColorList);
     surface = {};
     resetLexer();
