@@ -2,6 +2,7 @@
 
 #include "bounds/packed.h"
 #include "bounds/sieve.h"
+#include "bounds/slab.h"
 #include "core/settings.h"
 #include "primitives/kinds.h"
 
@@ -128,6 +129,7 @@ static constexpr auto octants = [] {
     return all;
 }();
 
+/// The row of a node's planes at a place that the octant of a ray tells, in floats from the node on.
 static inline const float* planesAt(const PackedNode& node, std::ptrdiff_t place)
 {
     static_assert(offsetof(PackedNode, planes) == 0);
