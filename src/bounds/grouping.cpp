@@ -356,5 +356,7 @@ PackedMember groupBySurface(const Object* root)
     free(items);
     if (packed == 0)
         free(block.memory);
+    else
+        packedMemory = block.memory;
     return packed;
 }

@@ -3,6 +3,6 @@
 #include "bounds/packed.h"
 
 /// Packs the primitives below `root` into a tree of its own, with groups of small surface, and sieves at its
-/// ends, and returns its root, where its one block of memory begins. 0 if memory does not reach, or a bound
-/// that is not a number or stands the wrong way round.
+/// ends, and returns its root; its block of memory becomes `packedMemory`. 0 if memory does not reach, or a
+/// bound is not a number or stands the wrong way round.
 PackedMember groupBySurface(const Object* root);

@@ -24,7 +24,7 @@ void clearNode(PackedNode* node)
 
 void releasePackedTree()
 {
-    free(packedIsGrouped ? const_cast<PackedNode*>(nodeOf(packedRoot)) : packedMemory);
+    free(packedMemory);
     free(packedFolded);
     packedRoot = 0;
     packedMemory = nullptr;

@@ -94,7 +94,7 @@ extern bool packedIsGrouped;
 /// tree.
 extern double packedReach;
 
-/// The memory that the nodes of a copy lie in.
+/// The memory that the nodes lie in.
 extern void* packedMemory;
 
 /// What was folded into each node of a copy, in the same order.
