@@ -89,9 +89,12 @@ static std::string state()
 TEST_F(ManualTest, DefaultsAndWhatStandsOnceAreThoseOfTheBlocks)
 {
     const Folder folder;
-    const auto parse = [&](const std::string& text) {
+    const auto read = [&](const std::string& text) {
         resetScene();
-        printed([&] { parseScene(folder.write("scene", text).c_str()); });
+        parseScene(folder.write("scene", text).c_str());
+    };
+    const auto parse = [&](const std::string& text) {
+        printed([&] { read(text); });
         return state();
     };
     int defaults = 0, refusals = 0;
@@ -114,7 +117,7 @@ TEST_F(ManualTest, DefaultsAndWhatStandsOnceAreThoseOfTheBlocks)
                 ++defaults;
             }
         for (const std::string& again : once)
-            refusals += inChild([&] { parse(required + again + "}"); }).status == 255;
+            refusals += inChild([&] { read(required + again + "}"); }).status == 255;
     }
     EXPECT_EQ(line(defaults, refusals), "32 24 ");
 }
