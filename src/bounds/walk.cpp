@@ -161,8 +161,9 @@ using FourInts = int __attribute__((vector_size(16)));
 
 static constexpr int SIGN = std::numeric_limits<int>::min();
 
-/// The coordinates of a vector, and `fourth`.
-static inline Four floatsOf(const Vec& v, float fourth)
+/// The coordinates of a vector, and `fourth`. They are read one by one, being volatile: a ray has only just
+/// been written, in pieces, and a load that spans two of them would have to wait until both are in the cache.
+static inline Four floatsOf(const volatile Vec& v, float fourth)
 {
     return Four{static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z), fourth};
 }
@@ -196,6 +197,21 @@ struct Lanes {
 static inline Shared share(float value)
 {
     return Shared{value, value, value, value};
+}
+
+/// Three numbers, each of them kept as `share` gives it.
+struct Coordinates {
+    Shared each[3];
+};
+
+static inline Coordinates coordinatesOf(Four v)
+{
+    return {share(v[0]), share(v[1]), share(v[2])};
+}
+
+static inline Shared share(const Coordinates& numbers, int axis)
+{
+    return numbers.each[axis];
 }
 
 static inline Lanes distances(const float* planes, Shared origin, Shared inverse)
@@ -294,6 +310,19 @@ using Lanes = __m256;
 static inline Shared share(float value)
 {
     return _mm256_set1_ps(value);
+}
+
+/// Here a number is shared as fast as it is read.
+using Coordinates = Four;
+
+static inline Coordinates coordinatesOf(Four v)
+{
+    return v;
+}
+
+static inline Shared share(const Coordinates& numbers, int axis)
+{
+    return share(numbers[axis]);
 }
 
 static inline Lanes distances(const float* planes, Shared origin, Shared inverse)
