@@ -7,8 +7,8 @@ from pathlib import Path
 import bpy
 import numpy
 
-FOLDER = Path(tempfile.mkdtemp(prefix="varlo-blender-"))
-tempfile.tempdir = str(FOLDER)  # what the add-on leaves behind is found here
+FOLDER = Path(bpy.app.tempdir)  # goes away with this Blender
+tempfile.tempdir = bpy.app.tempdir  # what the add-on leaves behind is found here
 
 
 def fresh(width: int = 160, height: int = 120) -> bpy.types.Scene:
