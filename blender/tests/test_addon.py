@@ -214,8 +214,8 @@ class Engine(unittest.TestCase):
         self.assertNotEqual(first, second)
 
     def test_esc_ends_it_and_leaves_nothing(self) -> None:
-        scene = fresh(1920, 1080)
-        add("monkey")
+        scene = fresh(3840, 2160)  # minutes of work
+        add("plane", size=30)
         bpy.ops.object.light_add(type="POINT", location=(3, -5, 4))
         scene.varlo.light_samples = 1024
         running: list[Path] = []
