@@ -32,9 +32,9 @@ def written() -> str:
     return path.read_text()
 
 
-def statement(word: str, text: str | None = None) -> str:
+def statement(word: str) -> str:
     """The last statement of this kind in the scene."""
-    return re.findall(rf"^{word} .*$", written() if text is None else text, re.MULTILINE)[-1]
+    return re.findall(rf"^{word} .*$", written(), re.MULTILINE)[-1]
 
 
 def number(word: str, text: str) -> float:
@@ -49,13 +49,9 @@ def rendered() -> numpy.ndarray:
     """Renders as F12 does. Rows from the bottom, each pixel red, green, blue and alpha."""
     scene = bpy.context.scene
     scene.render.filepath = str(FOLDER / "picture.png")
-    scene.render.image_settings.file_format = "PNG"
-    scene.render.image_settings.color_mode = "RGBA"
     bpy.ops.render.render(write_still=True)
     image = bpy.data.images.load(scene.render.filepath)
-    pixels = numpy.array(image.pixels[:]).reshape(image.size[1], image.size[0], -1)
-    bpy.data.images.remove(image)
-    return pixels
+    return numpy.array(image.pixels[:]).reshape(image.size[1], image.size[0], -1)
 
 
 def covered(engine: str) -> numpy.ndarray:
