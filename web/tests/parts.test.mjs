@@ -6,107 +6,76 @@ import { test } from "node:test";
 import { fileURLToPath } from "node:url";
 import { loadVarlo } from "../node.mjs";
 import { faultsIn } from "../page/faults.js";
-import { commandLine, packLink, unpackLink, withFiles } from "../page/project.js";
+import { packLink, unpackLink, withFiles } from "../page/project.js";
 import { sizeOf, surroundings } from "../page/scanner.js";
 import { readWords } from "../words.mjs";
 
 const root = fileURLToPath(new URL("../..", import.meta.url));
 const within = (files) => (name) => files[name];
 
+/** The status of a run, and the first fault that its output tells of. */
+async function faultOf(build, files, ...options) {
+  const varlo = await loadVarlo(join(root, "build", build));
+  const [main] = Object.keys(files);
+  const args = [main.endsWith(".set") ? "-3ds" : "-i", main, "-png", ...options];
+  let output = "";
+  const { status } = await varlo({ args, files, print: (text) => (output += text) });
+  return { status, ...faultsIn(output, status, main, within(files))[0] };
+}
+
 const VIEW =
   'settings { output_type "png" output_name "x" resolution 8 6 } camera { position <0 0 0> look_at <0 1 0> }';
 const RED = "surface { color 1 0 0 }";
 const BALL = "sphere { center <0 0 0> radius";
 
-// The program itself says what is wrong. `at` is the text that is to be marked.
-const faulty = [
-  ["in the scene", { "a.vlo": `${VIEW}\n${RED}\n  ${BALL} 0 } ; none` }, "a.vlo", 3, `${BALL} 0 }`],
-  ["an unknown word", { "a.vlo": `${VIEW}\nspher { }` }, "a.vlo", 2, "spher"],
-  ["a character", { "a.vlo": `${VIEW}\n${BALL} = 1 }` }, "a.vlo", 2, "="],
-  [
-    "in an include",
-    { "a.vlo": `${VIEW}\ninclude "b.inc"\n${RED}`, "b.inc": `;\n;\n\n${BALL} x }\n` },
-    "b.inc",
-    4,
-    `${BALL} x }`,
-  ],
-  ["behind an include", { "a.vlo": `include "b.inc"\n${VIEW}\nsphere 1\n`, "b.inc": "\n\n\n" }, "a.vlo", 3, "sphere 1"],
-  [
-    "first line of an include",
-    { "a.vlo": `${VIEW}\n include "b.inc" ${RED}`, "b.inc": "disc 1\n" },
-    "b.inc",
-    1,
-    "disc 1",
-  ],
-  ["on the line of an include", { "a.vlo": `include "b.inc" disc 1\n`, "b.inc": `${RED}\n` }, "a.vlo", 1, "disc 1"],
-  [
-    "an include twice",
-    { "a.vlo": 'include "b.inc"\ninclude "b.inc"\nring 1', "b.inc": `\n${RED}` },
-    "a.vlo",
-    3,
-    "ring 1",
-  ],
-  [
-    "nested",
-    { "a.vlo": 'include "b.inc"\n', "b.inc": '\ninclude "c.inc"\n', "c.inc": "\n\nplane 1" },
-    "c.inc",
-    3,
-    "plane 1",
-  ],
-  ["in a comment", { "a.vlo": '[ include "b.inc"\n]\n; include "b.inc"\nplane 1' }, "a.vlo", 4, "plane 1"],
-  ["a missing file", { "a.vlo": `${VIEW}\n include "b.inc"` }, "a.vlo", 2, 'include "b.inc"'],
-  ["at the end", { "a.vlo": `${VIEW}\nsphere {\n` }, "a.vlo", 3, ""],
-  ["in the settings of a model", { "a.set": "{\n input_name x }" }, "a.set", 2, "input_name x }"],
-  ["a missing camera", { "a.vlo": RED }, undefined, undefined, "Missing camera!"],
-];
+// Of each the texts of a scene, or of settings that begin with a brace, of b.inc and of c.inc. The program itself says
+// what is wrong; what is to be marked stands between « and ».
+const faulty = {
+  "in the scene": [`${VIEW}\n${RED}\n  «${BALL} 0 }» ; none`],
+  "an unknown word": [`${VIEW}\n«spher» { }`],
+  "a character": [`${VIEW}\n${BALL} «=» 1 }`],
+  "in an include": [`${VIEW}\ninclude "b.inc"\n${RED}`, `;\n;\n\n«${BALL} x }»\n`],
+  "behind an include": [`include "b.inc"\n${VIEW}\n«sphere 1»\n`, "\n\n\n"],
+  "first line of an include": [`${VIEW}\n include "b.inc" ${RED}`, "«disc 1»\n"],
+  "on the line of an include": [`include "b.inc" «disc 1»\n`, `${RED}\n`],
+  "an include twice": ['include "b.inc"\ninclude "b.inc"\n«ring 1»', `\n${RED}`],
+  nested: ['include "b.inc"\n', '\ninclude "c.inc"\n', "\n\n«plane 1»"],
+  "in a comment": ['[ include "b.inc"\n]\n; include "b.inc"\n«plane 1»'],
+  "a missing file": [`${VIEW}\n «include "b.inc"»`],
+  "a file that includes itself": ['«include "a.vlo"»\n'],
+  "at the end": [`${VIEW}\nsphere {\n«»`],
+  "in the settings of a model": ["{\n «input_name x }»"],
+};
 
 test("a fault has its place in the file that holds it", async () => {
-  const varlo = await loadVarlo(join(root, "build/wasm"));
-  for (const [name, files, file, line, at] of faulty) {
-    let output = "";
-    const [main] = Object.keys(files);
-    const args = [main.endsWith(".set") ? "-3ds" : "-i", main, "-png"];
-    const { status } = await varlo({ args, files, print: (text) => (output += text) });
-    const [fault] = faultsIn(output, status, main, within(files));
-    const marked = fault.file ? files[fault.file].slice(fault.from, fault.to) : fault.message;
-    assert.deepEqual(
-      { status, file: fault.file, line: fault.line, marked },
-      { status: 255, file, line, marked: at },
-      name,
-    );
+  for (const [name, marked] of Object.entries(faulty)) {
+    const files = {};
+    let wanted;
+    marked.forEach((text, i) => {
+      const file = [text.startsWith("{") ? "a.set" : "a.vlo", "b.inc", "c.inc"][i];
+      const from = text.indexOf("«");
+      if (from >= 0) wanted = { file, from, to: text.indexOf("»") - 1, line: text.slice(0, from).split("\n").length };
+      files[file] = text.replace(/[«»]/g, "");
+    });
+    const { status, file, from, to, line } = await faultOf("wasm", files);
+    assert.deepEqual({ status, file, from, to, line }, { status: 255, ...wanted }, name);
   }
 });
 
-test("a run that ends in a thread ends", async () => {
-  // Slivers whose bounds overlap: a ray meets more of them than the queue holds.
-  const sliver = (i) => {
-    const [x, y, z] = [1, 2, 3].map((axis) => 10 * Math.sin(i * axis));
+test("a fault without a place", async () => {
+  assert.deepEqual(await faultOf("wasm", { "a.vlo": RED }), { status: 255, message: "Missing camera!" });
+  // Slivers whose bounds overlap: a ray meets more of them than the queue holds. It is a thread that ends the run.
+  const sliver = (_, i) => {
+    const [x, y, z] = [1, 2, 3].map((axis) => 10 * Math.sin((i + 1) * axis));
     return `triangle { vertex <${x} ${y} ${z}> vertex <${-x} ${-y} ${-z}> vertex <${0.01 - x} ${-y} ${0.01 - z}> }`;
   };
-  const slivers = Array.from({ length: 3000 }, (_, i) => sliver(i + 1)).join("\n");
   const view =
     'settings { output_type "png" output_name "x" } camera { position <0.3 -80 0.2> look_at <0 0 0> fov 10 }';
+  const scene = [view, RED, ...Array.from({ length: 3000 }, sliver)].join("\n");
   for (const build of ["wasm", "wasm-threads"]) {
-    let output = "";
-    const varlo = await loadVarlo(join(root, "build", build));
-    const files = { "a.vlo": `${view}\n${RED}\n${slivers}` };
-    const { status } = await varlo({
-      args: ["-i", "a.vlo", "-ppm", "-pqs", "101"],
-      files,
-      print: (text) => (output += text),
-    });
-    assert.equal(status, 1);
-    const { message } = faultsIn(output, status, "a.vlo", within(files)).find(
-      ({ message }) => !/Warning/.test(message),
-    );
-    assert.match(message, /^VARLO is out of space/);
+    const { status, message } = await faultOf(build, { "a.vlo": scene }, "-pqs", "101");
+    assert.deepEqual([status, message.slice(0, 21)], [1, "VARLO is out of space"], build);
   }
-});
-
-test("a file that includes itself ends", () => {
-  const files = { "a.vlo": 'include "a.vlo"\n' };
-  const output = "\n Parsing a.vlo\n Scene file: a.vlo could no be opened\n";
-  assert.equal(faultsIn(output, 255, "a.vlo", within(files))[0].file, "a.vlo");
 });
 
 test("the size of the picture", () => {
@@ -173,11 +142,4 @@ test("files that are opened or dropped", () => {
     assert.deepEqual([next.main, Object.keys(next.files).sort()], [main, names]);
   }
   assert.match(withFiles(project, cases[2][0]).files["My_Car_2.set"], /input_name "My_Car_2.3ds"/);
-});
-
-test("the command line of a project", () => {
-  const scene = { main: "a.vlo", files: {} };
-  assert.equal(commandLine(scene, {}), "varlo -i a.vlo -png -o a");
-  const choice = { size: [64, 48], sampler: "-aaa 8", threads: 4 };
-  assert.equal(commandLine({ main: "m.set", files: {} }, choice), "varlo -3ds m.set -r 64 48 -aaa 8 -t 4 -png -o m");
 });
