@@ -29,6 +29,7 @@ importer=$(dirname -- "$varlo")/tools/import/varlo-import
 [ ! -x "$importer" ] || export VARLO_IMPORT="$importer"
 "$examples/generate" "$work"
 cd "$work"
+cp models/studio.* . # the file of another writer
 [ -e teapot.inc ] || rm teatime.vlo # without that program there is no model to show
 for scene in *.vlo *.set; do
     how=-i

@@ -111,28 +111,3 @@ TEST_F(ModelTest, SurvivesEveryDamage)
         return 0;
     });
 }
-
-TEST_F(ModelTest, FilesOfOtherWriters)
-{
-    const std::string_view cases[][3] = {{"studio", "8 588 1090 3 2 3 ", ""},
-                                         {"two_colours", "2 7 3 2 0 0 ", " The first material"},
-                                         {"cube", "1 8 12 0 0 0 ", " The first material"}};
-    for (const auto& [name, sizes, warning] : cases) {
-        SCOPED_TRACE(name);
-        const std::string path = std::string(VARLO_SOURCE_DIR "/examples/models/").append(name) + ".3ds";
-        EXPECT_EQ(listen([&] { return read("", path); }), 1);
-        EXPECT_EQ(counts(), sizes);
-        EXPECT_EQ(warned.substr(0, warned.find(" of the model, at byte")), warning);
-    }
-}
-
-TEST_F(ModelTest, NormalsWeighFacesByTheirArea)
-{
-    const std::string points = shorts({4}) + floats({0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 2});
-    const std::string faces = shorts({4, 0, 1, 2, 7, 0, 3, 1, 7, 0, 0, 1, 7, 0, 1, 1, 7}); // two without area
-    ASSERT_EQ(read(file(object(chunk(0x4110, points) + chunk(0x4120, faces)))), 1);
-    const Vec3f* n = model.objects[0].normals;
-    EXPECT_FLOAT_EQ(n[0].y, 0.8944272f);
-    EXPECT_FLOAT_EQ(n[0].z, 0.4472136f);
-    EXPECT_EQ(line(n[2].z, n[3].y), "1 1 ");
-}
