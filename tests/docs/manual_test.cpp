@@ -63,6 +63,8 @@ TEST_F(ManualTest, EachBlockTakesTheWordsOfItsTable)
         const bool isModel = name == "3DS settings";
         const auto read = isModel ? parse3ds : parseScene;
         const std::string head = isModel ? "{ " : name + (name == "polygon" ? " { 4 " : " { ");
+        const std::string refusal =
+            " Unkown parameter in " + (isModel ? "3ds settings" : name) + " structure\n";
         Names documented, taken;
         for (const auto& row : rows)
             documented.merge(matches(row[0]));
@@ -71,6 +73,8 @@ TEST_F(ManualTest, EachBlockTakesTheWordsOfItsTable)
             const Outcome outcome = inChild([&] { read(path.c_str()); });
             if (outcome.out.find("Unkown parameter") == std::string::npos)
                 taken.insert(keyword.texte);
+            else
+                EXPECT_TRUE(outcome.out.ends_with(refusal)) << outcome.out;
         }
         EXPECT_EQ(documented, taken) << name;
     }

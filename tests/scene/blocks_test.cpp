@@ -15,57 +15,45 @@ static const char* const faults = R"(sphere <| Opening bracket '{' expected
 sphere {~ color| Unkown parameter in sphere structure
 sphere { radius 0| sphere radius must be greater than 0
 sphere { radius 1 center <0 0 0>~center <0 0 0>~}| error in sphere structure declaration
-plane { center| Unkown parameter in plane structure
 plane { normal <0 0 0> }| error in plane structure declaration
 plane { normal <0 0 0> distance 0 }| plane normal cannot be <0 0 0>
-cylinder { base_radius| Unkown parameter in cylinder structure
 cylinder { radius -1 cap <0 0 0> }| error in cylinder structure declaration
 cylinder { radius 0 base <0 0 0> cap <0 0 0> }| radius cannot be null or negative
 cylinder { radius 1 base <1 2 3> cap <1 2 3> }| base and cap cannot be the same point
-cone { radius| Unkown parameter in cone structure
 cone { base_radius 0 cap_radius 0 cap <0 0 1> }| Error in cone structure
 cone { base_radius 0 cap_radius 0 cap <0 0 1> base <0 0 1> }| base radius and cap radius cannot be both null
 cone { base_radius -1 cap_radius 1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
 cone { base_radius 1 cap_radius -1 cap <0 0 1> base <0 0 1> }| base radius or cap radius cannot be negative
 cone { base_radius 0 cap_radius 1 cap <0 0 1> base <0 0 1> }| base and cap cannot be the same point
-disc { internal_radius| Unkown parameter in disc structure
 disc { center <0 0 0> radius 0 }| missing parameter(s) in disc structure
 disc { center <0 0 0> radius 0 normal <0 0 0> }| radius cannot be null or negative
-ring { radius| Unkown parameter in ring structure
 ring { center <0 0 0> normal <0 0 1> internal_radius 0 }| missing parameter(s) in disc structure
 ring { center <0 0 0> normal <0 0 1> internal_radius 0 external_radius 0 }| external and internal radius cannot be null or negative
 ring { center <0 0 0> normal <0 0 1> internal_radius 2 external_radius 0 }| external and internal radius cannot be null or negative
 ring { center <0 0 0> normal <0 0 1> internal_radius 2 external_radius 2 }| both radius are equal
-triangle { normal| Unkown parameter in triangle structure
 triangle { vertex <0 0 0> vertex <1 0 0> }| Too few vertices in triangle structure
 triangle { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0>~vertex| Too many vertices in triangle structure
-patch { radius| Unkown parameter in patch structure
 smooth_triangle { normal <0 0 1> vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> }| Too few normals in patch structure
 patch { normal <0 0 1> normal <0 0 1> normal <0 0 1> vertex <1 0 0> vertex <0 1 0> }| Too few vertices in patch structure
 patch { vertex <0 0 0> vertex <1 0 0> vertex <0 1 0> vertex| Too many vertices in patch structure
 patch { normal <0 0 1> normal <0 0 1> normal <0 0 1>~normal| Too many normals in patch structure
 polygon { vertex| Integer value expected
 polygon { 3| valid number of vertices expected
-polygon { 4 normal| Unkown parameter in polygon structure
 polygon { 4 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> vertex <0 1 0>~vertex| Too many vertices in polygon structure
 polygon { 4 vertex <0 0 0> vertex <1 0 0> vertex <1 1 0> }| Too few vertices in polygon structure
 camera~1| Opening bracket '{' expected
-camera { target| Unkown parameter in camera structure
 camera { samples 0| camera samples must be greater than 0
 camera { projection_type "round"| invalid camera projection type specified
 camera { position <0 0 0> position <0 0 0> look_at <0 0 1>~}| error in camera structure declaration
 camera { focal_length 1 focal_point <0 0 1> look_at <0 0 1> position <0 0 0> }| focal lenght OR focal point must be defined
-settings { input_name| Unkown parameter in settings structure
 settings { output_type "jpg"| invalid output file type specified
 settings { aa_jitter "1"| jitter must be either 'yes' or 'no'
 settings { aa_type "corners"| invalid anti-aliasing type specified
 settings { output_name "a"~}| error in settings structure declaration
-surface { include| Unkown parameter in surface structure
 declare "a" color 0 0 -1 surface { color #a| invalid color component(s)
 surface { color 1.001 0 0| invalid color component(s)
 surface { color 1 -0.001 0| invalid color component(s)
 surface { reflection_type "blurred"| invalid reflection type specified
-light { direction| Unkown parameter in light structure
 light { light_type "sun"| invalid light type specified
 light { color 1 0 1| invalid color component(s)
 light { color 0 1 1| invalid color component(s)
