@@ -12,8 +12,9 @@ is whole is not judged by the program: a picture is that of the undisturbed run,
 """
 import concurrent.futures
 import os
+import pathlib
 import re
-import struct
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -40,34 +41,8 @@ SCENES = {
 }
 INCLUDED = {"more.inc": CAMERA + 'declare "red" color 1 0.1 0.1\n'}
 
-
-def chunk(kind, *parts):
-    data = b"".join(parts)
-    return struct.pack("<HI", kind, 6 + len(data)) + data
-
-
-def mesh(name, points, faces, material):
-    """An object whose faces are triples of places in `points`."""
-    flat = [number for point in points for number in point]
-    group = chunk(0x4130, material, struct.pack(f"<H{len(faces)}H", len(faces), *range(len(faces))))
-    corners = b"".join(struct.pack("<4H", *face, 0) for face in faces)
-    return chunk(0x4000, name + b"\0", chunk(
-        0x4100, chunk(0x4110, struct.pack(f"<H{len(flat)}f", len(points), *flat)),
-        chunk(0x4120, struct.pack("<H", len(faces)), corners, group)))
-
-
-def model(*meshes):
-    red = chunk(0xAFFF, chunk(0xA000, b"red\0"), chunk(0xA020, chunk(0x0011, b"\xff\x20\x20")))
-    lamp = chunk(0x4000, b"lamp\0", chunk(0x4600, struct.pack("<3f", -4, -5, 6)))
-    eye = chunk(0x4000, b"eye\0", chunk(0x4700, struct.pack("<8f", 0, -6, 1, 0, 0, 0, 0, 35)))
-    return chunk(0x4D4D, chunk(0x3D3D, chunk(0x3D3E, struct.pack("<I", 3)), red, *meshes, lamp, eye))
-
-
-ROOF = mesh(b"roof", [(-1, 0, 0), (1, 0, 0), (0, 0, 1), (0, 2, 1)], [(0, 1, 2), (1, 2, 3)], b"red\0")
-MODELS = {
-    "roof": model(ROOF),
-    "pair": model(ROOF, mesh(b"floor", [(-2, -1, -1), (2, -1, -1), (0, 2, -1)], [(0, 1, 2)], b"none\0")),
-}
+MODELS = ["studio"]
+EXAMPLES = pathlib.Path(__file__).resolve().parent.parent.parent / "examples" / "models"
 
 
 class Run:
@@ -141,9 +116,8 @@ def main():
         for name, text in (SCENES | INCLUDED).items():
             with open(name, "w", encoding="ascii") as file:
                 file.write(text)
-        for name, data in MODELS.items():
-            with open(name + ".3ds", "wb") as file:
-                file.write(data)
+        for name in MODELS:
+            shutil.copy(EXAMPLES / f"{name}.3ds", work)
             with open(name + ".set", "w", encoding="ascii") as file:
                 file.write(f'{{ input_name "{name}.3ds" camera_index 0 }}')
         sources = [*SCENES, *(name + ".set" for name in MODELS)]
