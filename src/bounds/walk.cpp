@@ -44,10 +44,11 @@
 //
 // In a grouped tree the nodes are others than the heap's. (1) and (2) prove what they did, for they speak of
 // objects and of the heap's own bounds; a sieve leaves out what the ray misses, and what it hits behind the
-// best hit by more than the slack, which changes nothing. Where a shadow ray meets a primitive well within,
-// by more than the slack of a sieve, nothing more is asked: the exact test finds that hit, and the slab test
-// lets it pass, since the bounds hold its place, and reach as much around it but along one axis. (3) is not
-// needed: such a tree is built where no ray that starts within `packedReach` can fill the queue.
+// best hit by more than the slack, which changes nothing. Where a ray meets a primitive well within, by more
+// than the slack of a sieve, the exact test finds that hit, and the slab test lets it pass, since the bounds
+// hold its place, and reach as much around it but along one axis: nothing more is asked of it by a shadow
+// ray, and nothing but its distance by another. (3) is not needed: such a tree is built where no ray that
+// starts within `packedReach` can fill the queue.
 //
 // The slab test here runs on eight members at a time, in floats, which lets twice as many nodes into a cache.
 // Its errors go one way: it lets through whatever the heap would let through, with a key that is not above
@@ -108,10 +109,11 @@ struct Stack {
     int size = 0;
 };
 
-/// What a walk found: the distances of the nearest hit and of the next one behind it, and a bound on the
-/// entries of the heap.
+/// What a walk found: the object with the nearest hit, and whether that is well within it; the distances of
+/// the hit and of the next one behind it; a bound on the entries of the heap.
 struct Findings {
     const Object* closest;
+    bool isWithin;
     double best, second;
     int queued;
 };
@@ -273,10 +275,26 @@ static inline Lanes load(const float* list)
     return {halves[0], halves[1]};
 }
 
-/// Which lanes of `a` are not above those of `b`, a bit each.
-static inline unsigned notAbove(const Lanes& a, const Lanes& b)
+/// Lanes for which something holds.
+struct Which {
+    FourInts low, high;
+};
+
+/// Which lanes of `a` are not above those of `b`.
+static inline Which notAbove(const Lanes& a, const Lanes& b)
 {
-    return bitsOf(a.low <= b.low) | bitsOf(a.high <= b.high) << 4;
+    return {a.low <= b.low, a.high <= b.high};
+}
+
+static inline Which operator&(const Which& a, const Which& b)
+{
+    return {a.low & b.low, a.high & b.high};
+}
+
+/// A bit for each lane.
+static inline unsigned maskOf(const Which& which)
+{
+    return bitsOf(which.low) | bitsOf(which.high) << 4;
 }
 
 static inline Lanes all(Shared value)
@@ -355,9 +373,16 @@ static inline Lanes lesser(Lanes a, Lanes b)
     return _mm256_min_ps(a, b);
 }
 
-static inline unsigned notAbove(Lanes a, Lanes b)
+using Which = int __attribute__((vector_size(32)));
+
+static inline Which notAbove(Lanes a, Lanes b)
 {
-    return static_cast<unsigned>(_mm256_movemask_ps(_mm256_cmp_ps(a, b, _CMP_LE_OQ)));
+    return reinterpret_cast<Which>(_mm256_cmp_ps(a, b, _CMP_LE_OQ));
+}
+
+static inline unsigned maskOf(Which which)
+{
+    return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<Lanes>(which)));
 }
 
 static inline Lanes all(Shared value)

@@ -48,3 +48,12 @@ int printList(const Object* head);
         return patchReach(recordOf<Patch>(object), ray, t, &u, &v);
     }
 }
+
+/// The same for a triangle or patch if the ray is known to pass well within its edges: the plane alone tells.
+static inline bool reachWithin(const Object* object, int type, const Ray& ray, double* t)
+{
+    if (type == PATCH)
+        return patchPlaneReach(recordOf<Patch>(object), ray, t);
+    const auto& triangle = recordOf<Triangle>(object);
+    return faceReach(triangle.normal, triangle.offset, ray, t);
+}

@@ -65,7 +65,7 @@ static inline int lanesOf(EdgeMask mask)
 /// vertices from `u`, `v` on. A vertex at exactly this height counts as above, so that two edges that meet
 /// there cross once, or twice, or not at all, as they should. An edge that lies level never crosses, and
 /// nothing crosses a height that is not a number.
-static inline bool crossesOddly(const double* u, const double* v, double px, double py)
+[[gnu::always_inline]] static inline bool crossesOddly(const double* u, const double* v, double px, double py)
 {
     const EdgePair x = {px, px}, y = {py, py};
     const EdgePair y0[2] = {loadPair(v), loadPair(v + 2)}, y1[2] = {loadPair(v + 1), loadPair(v + 3)};

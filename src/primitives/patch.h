@@ -47,17 +47,23 @@ static inline Vec patchNormal(const Hit& hit)
     return unit(hit.hitNormal);
 }
 
-/// The distance at which `ray` meets the patch, in `*t`, and there the weights of corners 1 and 2, in `*u`
-/// and `*v`. EPSILON itself is steep enough, and far enough; edges and corners belong to the patch. False on
-/// a miss, and for non-numbers.
-static inline bool patchReach(const Patch& patch, const Ray& ray, double* t, double* u, double* v)
+/// The distance at which `ray` meets the plane of the patch, in `*t`. EPSILON itself is steep enough, and far
+/// enough. False on a miss, and for non-numbers.
+static inline bool patchPlaneReach(const Patch& patch, const Ray& ray, double* t)
 {
     const Vec& normal = patch.inverse[2];
     const double den = dot(normal, ray.direction);
     if (!(den <= -EPSILON || den >= EPSILON))
         return false;
     *t = dot(patch.corner - ray.origin, normal) / den;
-    if (!(*t >= EPSILON))
+    return *t >= EPSILON;
+}
+
+/// The same for the patch itself, to which edges and corners belong, and the weights of corners 1 and 2
+/// there, in `*u` and `*v`.
+static inline bool patchReach(const Patch& patch, const Ray& ray, double* t, double* u, double* v)
+{
+    if (!patchPlaneReach(patch, ray, t))
         return false;
     patchWeights(patch, ray, *t, u, v);
     // One jump for the three: which of them fails is anybody's guess.
