@@ -101,6 +101,8 @@ TEST_F(ModelTest, SurvivesEveryDamage)
     std::vector<std::string> spoils{"\0"s,         "\x7F",        "\x80",        "\xFF",
                                     numbers({5u}), numbers({7u}), numbers({~0u})};
     listen([&] {
+        expectSound(whole);
+        EXPECT_EQ(damagedAt, -1);
         for (size_t place = 0; place < whole.size(); ++place) {
             SCOPED_TRACE(place);
             expectSound(whole.substr(0, place));
