@@ -1,7 +1,9 @@
 #include "engine/shade.h"
 
+#include "bounds/bound.h"
 #include "engine/light.h"
 #include "engine/ray.h"
+#include "primitives/sphere.h"
 #include "support.h"
 
 using ShadeTest = SceneTest;
@@ -49,6 +51,18 @@ static const struct {
      {0, 0, 0},
      12},
     {"highlight", [] { skin = {.specular = 0.5, .roughness = 2}, lamp.attenuation = 1; }, {0.32, 0.32, 0.32}},
+    {"faint highlight",
+     [] {
+         skin = {.specular = 0.5, .roughness = 2}, lamp.position = {0, 1.6, 1.2};
+     },
+     {0.1152, 0.1152, 0.1152}},
+    {"soft shadow, and objects beyond the light",
+     [] {
+         lamp.shadowType = SMOOTH_SHADOW;
+         makeSphere({0, 0, 4}, 0.5), makeSphere({0, 0, 5}, 0.5), buildBoundingSlabs();
+     },
+     {1, 0.5, 0.25},
+     12},
     {"endless highlight of a black light",
      [] { skin = {.specular = 0.5, .roughness = -4000}, lamp.color = {}; },
      {NAN, NAN, NAN}},
