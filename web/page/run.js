@@ -4,9 +4,11 @@
 /** How the program's text reaches a reader: bytes are characters, and the marks of its bar are full blocks. */
 const toText = (byte) => (byte === 0xb1 ? "▒" : String.fromCharCode(byte));
 
-// Leaves the program from wherever it ended. What emscripten throws itself does not get out of a wait for a thread,
-// when it was that thread that ended the program.
-const ENDED = Symbol("the program ended");
+// Stops the threads of a program that ends. Emscripten would first give back the stacks of those that still render,
+// which then fall over what they read from them; here all memory goes with the run.
+function stopThreads({ runningWorkers, unusedWorkers }) {
+  [...runningWorkers, ...unusedWorkers].forEach((worker) => worker.terminate());
+}
 
 /**
  * Runs the program once.
@@ -40,18 +42,16 @@ export async function runVarlo(create, module, { args, files, script }, page) {
     picture: (address, width, height) => page.picture?.(memory ?? varlo.wasmMemory, address, width, height),
     row: (address, y) => page.row?.(memory ?? varlo.wasmMemory, address, y),
     onExit: (code) => (status = code & 0xff),
-    quit: () => {
-      throw ENDED;
+    // Emscripten's own would end Node besides.
+    quit: (_, thrown) => {
+      throw thrown;
     },
   });
+  if (varlo.PThread) varlo.PThread.terminateAllThreads = () => stopThreads(varlo.PThread);
   varlo.FS.mkdir("/run");
   varlo.FS.chdir("/run");
   for (const [name, content] of Object.entries(files)) varlo.FS.writeFile(name, content);
-  try {
-    varlo.callMain(args);
-  } catch (thrown) {
-    if (thrown !== ENDED) throw thrown;
-  }
+  varlo.callMain(args);
   const names = varlo.FS.readdir("/run").filter((name) => !/^\.\.?$/.test(name));
   return { status, files: Object.fromEntries(names.map((name) => [name, varlo.FS.readFile(name)])) };
 }

@@ -22,6 +22,8 @@ if(VARLO_THREADS)
     # The page says how many; each waits in a worker of its own before `main` is called.
     # Memory that grows slows JavaScript alone down.
     add_link_options(-pthread -sPTHREAD_POOL_SIZE=Module['threads'] -Wno-pthreads-mem-growth)
+    list(APPEND VARLO_PLATFORM_SOURCES ${platform}/threads.cpp)
+    add_link_options(-Wl,--wrap=exit,--wrap=pthread_join)
 else()
     list(APPEND VARLO_PLATFORM_SOURCES ${platform}/bands.cpp)
     add_link_options(-Wl,--wrap=pthread_create,--wrap=pthread_join)
