@@ -15,9 +15,10 @@ constexpr int MAX_FOLDED = LANES - 2; // nodes that can be folded into one
 using PackedMember = uintptr_t;
 
 /// A bounding node in the form that the walk reads: the bounds of all its members side by side, so that one
-/// test serves them all. While lanes are free, the members of a member take its place, that with the largest
-/// surface first, so that the walk opens fewer nodes than the tree has. The planes stand as lower x, y, z,
-/// upper x, y, z. Primitives stand ahead of nodes. An empty lane lies behind itself: no ray passes it.
+/// test serves them all. In a copy of the tree, while lanes are free, the members of a member take its place,
+/// that with the largest surface first, so that the walk opens fewer nodes than the tree has. The planes
+/// stand as lower x, y, z, upper x, y, z. Primitives stand ahead of nodes. An empty lane lies behind itself:
+/// no ray passes it.
 struct alignas(64) PackedNode {
     float planes[6][LANES];
     PackedMember members[LANES];

@@ -14,7 +14,7 @@
 // Coordinates beyond this are left to the heap.
 static constexpr double FARTHEST = 1e20;
 
-// So few objects, grouped in less than a tenth of a second, are grouped for any picture; more only if there
+// So few objects, grouped in a tenth of a second, are grouped for any picture; more only if there
 // are as many pixels.
 static constexpr int FEW_PRIMITIVES = 1 << 17;
 

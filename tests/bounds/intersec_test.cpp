@@ -4,6 +4,7 @@
 #include "bounds/packed.h"
 #include "bounds/packing.h"
 #include "bounds/room.h"
+#include "bounds/sieve.h"
 #include "bounds/slab.h"
 #include "bounds/walk.h"
 #include "core/settings.h"
@@ -217,6 +218,47 @@ TEST_F(IntersectTest, AllWaysAgree)
             }
             releasePackedTree();
         }
+    }
+}
+
+TEST_F(IntersectTest, ClustersBecomeTheMembersOfANode)
+{
+    // clusters, eight of them around a place; objects in each; whether they are cones; grounds under all; the
+    // members of the root, and of its last one where that is a node, and so on: p a primitive, s a sieve, n a
+    // node
+    const std::tuple<int, int, bool, int, std::string> cases[] = {{2, 3, true, 0, "pppppp"},
+                                                                  {3, 8, false, 0, "sss"},
+                                                                  {7, 8, false, 1, "psssssss"},
+                                                                  {8, 8, false, 0, "ssssssss"},
+                                                                  {4, 16, false, 0, "ssssssss"},
+                                                                  {8, 8, true, 0, "nnnnnnnnpppppppp"},
+                                                                  {64, 8, false, 0, "nnnnnnnnssssssss"},
+                                                                  {56, 8, false, 1, "pnnnnnnnssssssss"},
+                                                                  {7, 8, false, 2, "ppsssssnss"}};
+    for (const auto& [clusters, size, areCones, grounds, expected] : cases) {
+        SCOPED_TRACE(expected);
+        resetScene();
+        const auto corner = [](int i) { return Vec{1.0 * (i & 1), 1.0 * (i >> 1 & 1), 1.0 * (i >> 2 & 1)}; };
+        for (int i = 0; i < clusters * size; ++i) {
+            const int cluster = i / size;
+            const Vec at = 1000 * corner(clusters > 8 ? cluster / 8 : cluster) + 100 * corner(cluster % 8) +
+                           10 * corner(i % size) + corner(i % size / 8);
+            areCones ? makeCone(at, 0.4, at + Z, 0.2) : makeSphere(at, 0.4);
+        }
+        const Vec corners[] = {{-1e6, 0, -3000}, {1e6, 1e6, -3000}, {1e6, -1e6, -3000}};
+        if (grounds > 0)
+            makePlane(Z, -4000);
+        if (grounds > 1)
+            makeTriangle(corners);
+        plant();
+        std::string members;
+        for (PackedMember node = packedRoot, last; isNode(node) && sieveOf(node) == NO_SIEVE; node = last)
+            for (int lane = 0; lane < LANES && nodeOf(node)->members[lane] != 0; ++lane) {
+                last = nodeOf(node)->members[lane];
+                members += !isNode(last) ? 'p' : sieveOf(last) != NO_SIEVE ? 's' : 'n';
+            }
+        EXPECT_EQ(members, expected);
+        releasePackedTree();
     }
 }
 
