@@ -103,6 +103,13 @@ int intersect(const Ray* ray, double limit, Hit* hit, const Object* exclude)
     return isNoRay(ray) ? 0 : intersectByHeap(ray, limit, hit, exclude);
 }
 
+/// Apart from isBlocked, so that what the walk answers needs no room for a hit.
+[[gnu::noinline]] static bool isBlockedByHeap(const Ray* ray, double limit, const Object* exclude)
+{
+    Hit scratch;
+    return intersect(ray, limit, &scratch, exclude) != 0;
+}
+
 bool isBlocked(const Ray* ray, double limit, const Object* exclude)
 {
     if (packedRoot != 0) {
@@ -113,6 +120,5 @@ bool isBlocked(const Ray* ray, double limit, const Object* exclude)
             return answer == Answer::FOUND;
         }
     }
-    Hit scratch;
-    return intersect(ray, limit, &scratch, exclude) != 0;
+    return isBlockedByHeap(ray, limit, exclude);
 }

@@ -108,21 +108,19 @@ static void addLight(const Object* lamp, const Object* object, Vec normal, Vec m
 }
 
 /// Adds what all lights give. The ray to the next one is made ahead of the walk along the current one, so
-/// that its root and quotients are done by the time that they are needed.
+/// that its root and quotients are done by the time that they are needed. Two take turns: a copy would have
+/// to wait for what has only just been written.
 static void addLights(const Object* object, Vec normal, Vec mirror, Vec point, Color* color)
 {
-    Ray next{};
-    double nextDistance = 0.0;
-    const auto makeNext = [&](const Object* lamp) {
-        if (lamp != nullptr)
-            nextDistance = makeLightRay(lamp, point, &next);
-    };
-    makeNext(myLightList);
-    for (const Object* lamp = myLightList; lamp != nullptr; lamp = lamp->next) {
-        const Ray ray = next;
-        const double distance = nextDistance;
-        makeNext(lamp->next);
-        addLight(lamp, object, normal, mirror, ray, distance, color);
+    Ray rays[2];
+    double distances[2];
+    int turn = 0;
+    if (myLightList != nullptr)
+        distances[turn] = makeLightRay(myLightList, point, &rays[turn]);
+    for (const Object* lamp = myLightList; lamp != nullptr; lamp = lamp->next, turn = 1 - turn) {
+        if (lamp->next != nullptr)
+            distances[1 - turn] = makeLightRay(lamp->next, point, &rays[1 - turn]);
+        addLight(lamp, object, normal, mirror, rays[turn], distances[turn], color);
     }
 }
 
