@@ -66,6 +66,9 @@ static const struct {
     {"endless highlight of a black light",
      [] { skin = {.specular = 0.5, .roughness = -4000}, lamp.color = {}; },
      {NAN, NAN, NAN}},
+    {"boundless highlight of a black light",
+     [] { skin = {.specular = HUGE_VAL, .roughness = 2}, lamp.color = {}; },
+     {NAN, NAN, NAN}},
     {"highlight of a tangent ray", // goes on to the light beyond
      [] {
          skin.specular = 0.5, normal = {0.8, 0, 0.6}, lamp.position = {1.2, 0, -1.6};
